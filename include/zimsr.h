@@ -1,0 +1,25 @@
+/** @file
+ *  Primitives for speech recognition and speech processing: everything that the library offers.
+ */
+#ifndef ZIMSR_H
+#define ZIMSR_H
+
+#include <zimsr/types.h>
+
+#include <zimsr/version.h>
+
+#include <zimsr/arithmetic.h>
+#include <zimsr/autocorr.h>
+#include <zimsr/convert.h>
+#include <zimsr/dctlifter.h>
+#include <zimsr/delta.h>
+#include <zimsr/extremes.h>
+#include <zimsr/fft.h>
+#include <zimsr/logarithm.h>
+#include <zimsr/loggauss.h>
+#include <zimsr/melfbank.h>
+#include <zimsr/memory.h>
+#include <zimsr/mixture.h>
+#include <zimsr/sums.h>
+
+#endif

@@ -1,0 +1,93 @@
+// The vector types against their scalar meaning.
+#include <gtest/gtest.h>
+
+#include "support/compare.h"
+#include "support/guarded.h"
+#include "support/random.h"
+#include "zimcore/frame/simd.h"
+
+namespace zimsr::test {
+namespace {
+
+template <class V>
+std::vector<typename V::Lane> lanesOf(V v)
+{
+    std::vector<typename V::Lane> lanes;
+    for (int i = 0; i < V::lanes; ++i)
+        lanes.push_back(v[i]);
+    return lanes;
+}
+
+template <class V>
+class Vectors : public testing::Test {};
+using VectorTypes = testing::Types<F4, F8, D2, D4, D8, I4, I8, S8, S16>;
+TYPED_TEST_SUITE(Vectors, VectorTypes);
+
+TYPED_TEST(Vectors, PartialLoadsAndStoresStayInsideTheRow)
+{
+    using Lane = typename TypeParam::Lane;
+    Random random(2);
+    for (int count = 0; count <= TypeParam::lanes; ++count) {
+        const auto values = random.vector<Lane>(static_cast<std::size_t>(count), 1, 100);
+        Guarded<Lane> source(values), destination(values.size());
+        const TypeParam v = loadFirst<TypeParam>(source, count);
+        storeFirst(destination.data(), v, count);
+        EXPECT_TRUE(equalBits(destination.values(), values));
+        for (int i = count; i < TypeParam::lanes; ++i)
+            EXPECT_EQ(v[i], Lane{0});
+    }
+}
+
+TYPED_TEST(Vectors, SelectionTakesEachLaneFromItsSide)
+{
+    using Lane = typename TypeParam::Lane;
+    const TypeParam ones = splat<TypeParam>(1), twos = splat<TypeParam>(2);
+    for (int count = 0; count <= TypeParam::lanes; ++count) {
+        const TypeParam v = select(firstLanes<TypeParam>(count), ones, twos);
+        const TypeParam kept = keep(firstLanes<TypeParam>(count), twos);
+        for (int i = 0; i < TypeParam::lanes; ++i) {
+            EXPECT_EQ(v[i], Lane(i < count ? 1 : 2));
+            EXPECT_EQ(kept[i], Lane(i < count ? 2 : 0));
+        }
+    }
+}
+
+TEST(Shuffle, PicksLanesOfBothOperands)
+{
+    const F8 a = laneIndex<F8>(), b = a + splat<F8>(8);
+    using Lanes = std::vector<float>;
+    EXPECT_EQ(lanesOf(shuffle<0, 8, 1, 9, 2, 10, 3, 11>(a, b)), (Lanes{0, 8, 1, 9, 2, 10, 3, 11}));
+    EXPECT_EQ(lanesOf(shuffle<15, 1, 13, 3, 4, 10, 9, 8>(a, b)), (Lanes{15, 1, 13, 3, 4, 10, 9, 8}));
+    EXPECT_EQ(lanesOf(shuffle<7, 6, 5, 4, 3, 2, 1, 0>(a)), (Lanes{7, 6, 5, 4, 3, 2, 1, 0}));
+    EXPECT_EQ(lanesOf(join(highHalf(a), lowHalf(b))), (Lanes{4, 5, 6, 7, 8, 9, 10, 11}));
+}
+
+TEST(Sums, OneTreeForSinglesAndGroups)
+{
+    Random random(3);
+    for (int i = 0; i < 100; ++i) {
+        const auto x = random.vector<float>(32, -1, 1);
+        const F4 group = sumLanesOfFour(load<F8>(&x[0]), load<F8>(&x[8]), load<F8>(&x[16]), load<F8>(&x[24]));
+        for (int r = 0; r < 4; ++r) {
+            const float* v = &x[8 * static_cast<std::size_t>(r)];
+            const float tree = ((v[0] + v[4]) + (v[1] + v[5])) + ((v[2] + v[6]) + (v[3] + v[7]));
+            EXPECT_TRUE(sameBits(group[r], tree));
+            EXPECT_TRUE(sameBits(sumLanes(load<F8>(v)), tree));
+        }
+    }
+}
+
+TEST(Conversions, RoundTruncateWidenSaturate)
+{
+    const F8 v = {load<F8>(std::vector<float>{-2.5f, -1.5f, -0.5f, 0.5f, 1.5f, 2.5f, 1e20f, NAN}.data())};
+    EXPECT_EQ(lanesOf(toIntRounded(v)), (std::vector<int>{-2, -2, 0, 0, 2, 2, INT32_MIN, INT32_MIN}));
+    EXPECT_EQ(lanesOf(toIntTruncated(v)), (std::vector<int>{-2, -1, 0, 0, 1, 2, INT32_MIN, INT32_MIN}));
+    const auto shorts = std::vector<int16_t>{-32768, -1, 0, 1, 2, 3, 4, 32767};
+    EXPECT_EQ(lanesOf(widen(load<S8>(shorts.data()))), std::vector<int>(shorts.begin(), shorts.end()));
+    const auto ints = std::vector<int>{-40000, -32768, -1, 0, 1, 32767, 32768, INT32_MAX};
+    EXPECT_EQ(lanesOf(narrowSaturated(load<I8>(ints.data()))),
+              (std::vector<int16_t>{-32768, -32768, -1, 0, 1, 32767, 32767, 32767}));
+}
+
+}  // namespace
+}  // namespace zimsr::test

@@ -1,0 +1,483 @@
+// Fixed-width vectors. A kernel is written on 8 floats, 4 doubles, 16 shorts at every instruction level; where the
+// processor's registers are narrower, a vector is held in two of them. So the order of every sum, and with it every
+// bit of a result, is the same at all levels. Intrinsics occur in this header only.
+//
+//     F8 sum = splat<F8>(0);
+//     for (; j + 8 <= width; j += 8)
+//         sum += load<F8>(x + j) * load<F8>(y + j);
+//     return sumLanes(sum);
+#pragma once
+
+#include <immintrin.h>
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+namespace zimsr {
+
+#if defined(__AVX2__)
+inline constexpr int registerBytes = 32;
+#else
+inline constexpr int registerBytes = 16;
+#endif
+
+#define ZIM_INLINE inline __attribute__((always_inline))
+
+namespace simd_detail {
+
+template <int size> struct IntOf;
+template <> struct IntOf<1> { using type = int8_t; };
+template <> struct IntOf<2> { using type = int16_t; };
+template <> struct IntOf<4> { using type = int32_t; };
+template <> struct IntOf<8> { using type = int64_t; };
+
+template <class T, int bytes>
+struct Register {
+    typedef T type __attribute__((vector_size(bytes)));
+    typedef T unaligned __attribute__((vector_size(bytes), aligned(alignof(T)), may_alias));
+};
+
+}  // namespace simd_detail
+
+// N lanes of T, in as few registers as they fit.
+template <class T, int N>
+struct Vec {
+    using Lane = T;
+    static constexpr int lanes = N;
+    static constexpr int bytes = N * static_cast<int>(sizeof(T));
+    static constexpr int partBytes = bytes < registerBytes ? bytes : registerBytes;
+    static constexpr int parts = bytes / partBytes;
+    static constexpr int partLanes = N / parts;
+    using Part = typename simd_detail::Register<T, partBytes>::type;
+    using Mask = Vec<typename simd_detail::IntOf<sizeof(T)>::type, N>;
+
+    Part part[parts];
+
+    ZIM_INLINE T operator[](int lane) const { return part[lane / partLanes][lane % partLanes]; }
+    ZIM_INLINE void set(int lane, T value) { part[lane / partLanes][lane % partLanes] = value; }
+};
+
+using F4 = Vec<float, 4>;
+using F8 = Vec<float, 8>;
+using D2 = Vec<double, 2>;
+using D4 = Vec<double, 4>;
+using D8 = Vec<double, 8>;
+using I4 = Vec<int32_t, 4>;
+using I8 = Vec<int32_t, 8>;
+using L4 = Vec<int64_t, 4>;
+using S8 = Vec<int16_t, 8>;
+using S16 = Vec<int16_t, 16>;
+
+namespace simd_detail {
+
+// Applies a function of registers to each part of the operands.
+template <class Result, class Function, class... Vector>
+ZIM_INLINE Result eachPart(Function function, const Vector&... operands)
+{
+    Result result;
+#pragma GCC unroll 4
+    for (int p = 0; p < Result::parts; ++p)
+        result.part[p] = function(operands.part[p]...);
+    return result;
+}
+
+template <class V>
+using PartMask = typename V::Mask::Part;
+
+}  // namespace simd_detail
+
+// ---- Making vectors
+
+template <class V>
+ZIM_INLINE V splat(typename V::Lane value)
+{
+    V result;
+#pragma GCC unroll 4
+    for (int p = 0; p < V::parts; ++p)
+        result.part[p] = value - typename V::Part{};  // x - 0 is x for every x, -0.0 included
+    return result;
+}
+
+template <class V>
+ZIM_INLINE V load(const typename V::Lane* source)
+{
+    V result;
+#pragma GCC unroll 4
+    for (int p = 0; p < V::parts; ++p)
+        result.part[p] = *reinterpret_cast<const typename simd_detail::Register<typename V::Lane, V::partBytes>::unaligned*>(
+            source + p * V::partLanes);
+    return result;
+}
+
+template <class T, int N>
+ZIM_INLINE void store(T* destination, Vec<T, N> v)
+{
+    using V = Vec<T, N>;
+#pragma GCC unroll 4
+    for (int p = 0; p < V::parts; ++p)
+        *reinterpret_cast<typename simd_detail::Register<T, V::partBytes>::unaligned*>(destination + p * V::partLanes) =
+            v.part[p];
+}
+
+// 0, 1, 2, ...
+template <class V>
+ZIM_INLINE V laneIndex()
+{
+    V result;
+#pragma GCC unroll 16
+    for (int lane = 0; lane < V::lanes; ++lane)
+        result.set(lane, static_cast<typename V::Lane>(lane));
+    return result;
+}
+
+// ---- Arithmetic, lane by lane, with the operators of the scalar formula
+
+#define ZIM_BINARY(op)                                                                                   \
+    template <class T, int N>                                                                            \
+    ZIM_INLINE Vec<T, N> operator op(Vec<T, N> a, Vec<T, N> b)                                           \
+    {                                                                                                    \
+        return simd_detail::eachPart<Vec<T, N>>([](auto x, auto y) { return x op y; }, a, b);            \
+    }                                                                                                    \
+    template <class T, int N>                                                                            \
+    ZIM_INLINE Vec<T, N>& operator op##=(Vec<T, N>& a, Vec<T, N> b)                                      \
+    {                                                                                                    \
+        return a = a op b;                                                                               \
+    }
+ZIM_BINARY(+)
+ZIM_BINARY(-)
+ZIM_BINARY(*)
+ZIM_BINARY(/)
+ZIM_BINARY(&)
+ZIM_BINARY(|)
+ZIM_BINARY(^)
+#undef ZIM_BINARY
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N> operator-(Vec<T, N> a)
+{
+    return simd_detail::eachPart<Vec<T, N>>([](auto x) { return -x; }, a);
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N> operator~(Vec<T, N> a)
+{
+    return simd_detail::eachPart<Vec<T, N>>([](auto x) { return ~x; }, a);
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N> operator<<(Vec<T, N> a, int count)
+{
+    return simd_detail::eachPart<Vec<T, N>>([count](auto x) { return x << count; }, a);
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N> operator>>(Vec<T, N> a, int count)
+{
+    return simd_detail::eachPart<Vec<T, N>>([count](auto x) { return x >> count; }, a);
+}
+
+// ---- Comparisons (a mask has all bits of a lane set, or none) and selection
+
+#define ZIM_COMPARE(op)                                                                                             \
+    template <class T, int N>                                                                                       \
+    ZIM_INLINE typename Vec<T, N>::Mask operator op(Vec<T, N> a, Vec<T, N> b)                                       \
+    {                                                                                                               \
+        using PartMask = simd_detail::PartMask<Vec<T, N>>;                                                          \
+        return simd_detail::eachPart<typename Vec<T, N>::Mask>([](auto x, auto y) { return (PartMask)(x op y); }, a, b); \
+    }
+ZIM_COMPARE(<)
+ZIM_COMPARE(<=)
+ZIM_COMPARE(>)
+ZIM_COMPARE(>=)
+ZIM_COMPARE(==)
+ZIM_COMPARE(!=)
+#undef ZIM_COMPARE
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N> select(typename Vec<T, N>::Mask mask, Vec<T, N> ifSet, Vec<T, N> ifClear)
+{
+    return simd_detail::eachPart<Vec<T, N>>([](auto m, auto x, auto y) { return m ? x : y; }, mask, ifSet, ifClear);
+}
+
+// The lanes below count; all of them when count is at least N.
+template <class V>
+ZIM_INLINE typename V::Mask firstLanes(int count)
+{
+    using Mask = typename V::Mask;
+    return laneIndex<Mask>() < splat<Mask>(static_cast<typename Mask::Lane>(count));
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N> keep(typename Vec<T, N>::Mask mask, Vec<T, N> v)
+{
+    return std::bit_cast<Vec<T, N>>(mask & std::bit_cast<typename Vec<T, N>::Mask>(v));
+}
+
+template <class T, int N>
+ZIM_INLINE bool anySet(Vec<T, N> mask)
+{
+    int bits = 0;
+#pragma GCC unroll 4
+    for (int p = 0; p < Vec<T, N>::parts; ++p) {
+        if constexpr (Vec<T, N>::partBytes == 16)
+            bits |= _mm_movemask_epi8((__m128i)mask.part[p]);
+#if defined(__AVX2__)
+        else
+            bits |= _mm256_movemask_epi8((__m256i)mask.part[p]);
+#endif
+    }
+    return bits != 0;
+}
+
+// ---- The rest of a row, when less than a vector is left: no byte outside the row is touched
+
+// The first count lanes from source, 0 in the others; 0 <= count <= N.
+template <class V>
+ZIM_INLINE V loadFirst(const typename V::Lane* source, int count)
+{
+#if defined(__AVX2__)
+    if constexpr (V::partBytes == 32 && sizeof(typename V::Lane) == 4 && V::parts == 1)
+        return {(typename V::Part)_mm256_maskload_epi32(reinterpret_cast<const int*>(source),
+                                                        (__m256i)firstLanes<V>(count).part[0])};
+    else if constexpr (V::partBytes == 32 && sizeof(typename V::Lane) == 8 && V::parts == 1)
+        return {(typename V::Part)_mm256_maskload_epi64(reinterpret_cast<const long long*>(source),
+                                                        (__m256i)firstLanes<V>(count).part[0])};
+    else
+#endif
+    {
+        typename V::Lane lanes[V::lanes] = {};
+        std::memcpy(lanes, source, static_cast<std::size_t>(count) * sizeof(typename V::Lane));
+        return load<V>(lanes);
+    }
+}
+
+template <class T, int N>
+ZIM_INLINE void storeFirst(T* destination, Vec<T, N> v, int count)
+{
+    T lanes[N];
+    store(lanes, v);
+    std::memcpy(destination, lanes, static_cast<std::size_t>(count) * sizeof(T));
+}
+
+// ---- Moving lanes
+
+namespace simd_detail {
+
+template <class V, int first, class Pick, std::size_t... lane>
+ZIM_INLINE typename V::Part pickPart(const V& a, const V& b, Pick pick, std::index_sequence<lane...>)
+{
+    constexpr int sources = 2 * V::parts;
+    if constexpr (sources == 2) {
+        return __builtin_shufflevector(a.part[0], b.part[0], pick(first + static_cast<int>(lane))...);
+    } else {
+        // A register of the result draws on at most four source registers: two picks, then a blend.
+        static_assert(sources == 4);
+        constexpr int width = V::partLanes;
+        auto low = __builtin_shufflevector(a.part[0], a.part[1], (pick(first + static_cast<int>(lane)) % (2 * width))...);
+        auto high = __builtin_shufflevector(b.part[0], b.part[1], (pick(first + static_cast<int>(lane)) % (2 * width))...);
+        constexpr bool allLow = ((pick(first + static_cast<int>(lane)) < 2 * width) && ...);
+        constexpr bool allHigh = ((pick(first + static_cast<int>(lane)) >= 2 * width) && ...);
+        if constexpr (allLow)
+            return low;
+        else if constexpr (allHigh)
+            return high;
+        else
+            return __builtin_shufflevector(low, high,
+                                           (static_cast<int>(lane) +
+                                            (pick(first + static_cast<int>(lane)) < 2 * width ? 0 : width))...);
+    }
+}
+
+}  // namespace simd_detail
+
+// Lane i of the result is lane pick[i] of a followed by b.
+template <int... pick, class T, int N>
+ZIM_INLINE Vec<T, N> shuffle(Vec<T, N> a, Vec<T, N> b)
+{
+    using V = Vec<T, N>;
+    static_assert(sizeof...(pick) == N);
+    constexpr auto at = [](int i) constexpr {
+        constexpr int picks[] = {pick...};
+        return picks[i];
+    };
+    constexpr std::make_index_sequence<static_cast<std::size_t>(V::partLanes)> lanes;
+    V result;
+    result.part[0] = simd_detail::pickPart<V, 0>(a, b, at, lanes);
+    if constexpr (V::parts == 2)
+        result.part[1] = simd_detail::pickPart<V, V::partLanes>(a, b, at, lanes);
+    return result;
+}
+
+template <int... pick, class T, int N>
+ZIM_INLINE Vec<T, N> shuffle(Vec<T, N> a)
+{
+    return shuffle<pick...>(a, a);
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N / 2> lowHalf(Vec<T, N> v)
+{
+    Vec<T, N / 2> half;
+    std::memcpy(&half, &v, sizeof half);
+    return half;
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N / 2> highHalf(Vec<T, N> v)
+{
+    Vec<T, N / 2> half;
+    std::memcpy(&half, reinterpret_cast<const char*>(&v) + sizeof half, sizeof half);
+    return half;
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
+{
+    Vec<T, 2 * N> whole;
+    std::memcpy(&whole, &low, sizeof low);
+    std::memcpy(reinterpret_cast<char*>(&whole) + sizeof low, &high, sizeof high);
+    return whole;
+}
+
+// ---- Sums across lanes: the library's one tree. The upper half is added to the lower until four lanes are left for
+// floats (two for doubles), then neighbours are added.
+
+ZIM_INLINE float sumLanes(F4 v)
+{
+    return (v[0] + v[1]) + (v[2] + v[3]);
+}
+
+ZIM_INLINE float sumLanes(F8 v)
+{
+    return sumLanes(lowHalf(v) + highHalf(v));
+}
+
+ZIM_INLINE double sumLanes(D2 v)
+{
+    return v[0] + v[1];
+}
+
+ZIM_INLINE double sumLanes(D4 v)
+{
+    return sumLanes(lowHalf(v) + highHalf(v));
+}
+
+// The sums of four vectors at once, each by the tree of sumLanes.
+ZIM_INLINE F4 sumLanesOfFour(F8 a, F8 b, F8 c, F8 d)
+{
+    const __m128 ab = _mm_hadd_ps((lowHalf(a) + highHalf(a)).part[0], (lowHalf(b) + highHalf(b)).part[0]);
+    const __m128 cd = _mm_hadd_ps((lowHalf(c) + highHalf(c)).part[0], (lowHalf(d) + highHalf(d)).part[0]);
+    return {_mm_hadd_ps(ab, cd)};
+}
+
+ZIM_INLINE D2 sumLanesOfTwo(D4 a, D4 b)
+{
+    return {_mm_hadd_pd((lowHalf(a) + highHalf(a)).part[0], (lowHalf(b) + highHalf(b)).part[0])};
+}
+
+// ---- Functions of one instruction. min and max are the processor's: the second operand where either is NaN or both
+// are zeros.
+
+#if defined(__AVX2__)
+#define ZIM_ON_PARTS(name, V, narrow, wide)                                       \
+    template <class... Vector>                                                    \
+    ZIM_INLINE V name(V first, Vector... rest)                                    \
+    {                                                                             \
+        return simd_detail::eachPart<V>(                                          \
+            [](auto... part) {                                                    \
+                if constexpr (V::partBytes == 16)                                 \
+                    return (typename V::Part)narrow(part...);                     \
+                else                                                              \
+                    return (typename V::Part)wide(part...);                       \
+            },                                                                    \
+            first, rest...);                                                      \
+    }
+#else
+#define ZIM_ON_PARTS(name, V, narrow, wide)                                                                       \
+    template <class... Vector>                                                                                    \
+    ZIM_INLINE V name(V first, Vector... rest)                                                                    \
+    {                                                                                                             \
+        return simd_detail::eachPart<V>([](auto... part) { return (typename V::Part)narrow(part...); }, first, rest...); \
+    }
+#endif
+
+ZIM_ON_PARTS(sqrt, F4, _mm_sqrt_ps, _mm256_sqrt_ps)
+ZIM_ON_PARTS(sqrt, F8, _mm_sqrt_ps, _mm256_sqrt_ps)
+ZIM_ON_PARTS(sqrt, D2, _mm_sqrt_pd, _mm256_sqrt_pd)
+ZIM_ON_PARTS(sqrt, D4, _mm_sqrt_pd, _mm256_sqrt_pd)
+ZIM_ON_PARTS(min, F4, _mm_min_ps, _mm256_min_ps)
+ZIM_ON_PARTS(min, F8, _mm_min_ps, _mm256_min_ps)
+ZIM_ON_PARTS(min, D4, _mm_min_pd, _mm256_min_pd)
+ZIM_ON_PARTS(min, D8, _mm_min_pd, _mm256_min_pd)
+ZIM_ON_PARTS(max, F4, _mm_max_ps, _mm256_max_ps)
+ZIM_ON_PARTS(max, F8, _mm_max_ps, _mm256_max_ps)
+ZIM_ON_PARTS(max, D4, _mm_max_pd, _mm256_max_pd)
+ZIM_ON_PARTS(max, D8, _mm_max_pd, _mm256_max_pd)
+#undef ZIM_ON_PARTS
+
+// ---- Conversions
+
+ZIM_INLINE F8 toFloat(I8 v)
+{
+    return simd_detail::eachPart<F8>([](auto x) { return __builtin_convertvector(x, F8::Part); }, v);
+}
+
+// Rounded by the processor's current mode; out of range and NaN give INT_MIN.
+ZIM_INLINE I8 toIntRounded(F8 v)
+{
+#if defined(__AVX2__)
+    return {(I8::Part)_mm256_cvtps_epi32(v.part[0])};
+#else
+    return {(I8::Part)_mm_cvtps_epi32(v.part[0]), (I8::Part)_mm_cvtps_epi32(v.part[1])};
+#endif
+}
+
+// Truncated toward zero; out of range and NaN give INT_MIN.
+ZIM_INLINE I8 toIntTruncated(F8 v)
+{
+#if defined(__AVX2__)
+    return {(I8::Part)_mm256_cvttps_epi32(v.part[0])};
+#else
+    return {(I8::Part)_mm_cvttps_epi32(v.part[0]), (I8::Part)_mm_cvttps_epi32(v.part[1])};
+#endif
+}
+
+ZIM_INLINE D4 widen(F4 v)
+{
+#if defined(__AVX2__)
+    return {_mm256_cvtps_pd(v.part[0])};
+#else
+    return {_mm_cvtps_pd(v.part[0]), _mm_cvtps_pd(_mm_movehl_ps(v.part[0], v.part[0]))};
+#endif
+}
+
+ZIM_INLINE F4 narrow(D4 v)
+{
+#if defined(__AVX2__)
+    return {_mm256_cvtpd_ps(v.part[0])};
+#else
+    return {_mm_movelh_ps(_mm_cvtpd_ps(v.part[0]), _mm_cvtpd_ps(v.part[1]))};
+#endif
+}
+
+ZIM_INLINE I8 widen(S8 v)
+{
+#if defined(__AVX2__)
+    return {(I8::Part)_mm256_cvtepi16_epi32((__m128i)v.part[0])};
+#else
+    const __m128i x = (__m128i)v.part[0];
+    return {(I8::Part)_mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16), (I8::Part)_mm_srai_epi32(_mm_unpackhi_epi16(x, x), 16)};
+#endif
+}
+
+// Saturates each lane to 16 bits.
+ZIM_INLINE S8 narrowSaturated(I8 v)
+{
+    return {(S8::Part)_mm_packs_epi32((__m128i)lowHalf(v).part[0], (__m128i)highHalf(v).part[0])};
+}
+
+}  // namespace zimsr
