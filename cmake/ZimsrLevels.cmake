@@ -30,8 +30,13 @@ function(zimsr_shared target level_flags output_dir)
                SOVERSION ${PROJECT_VERSION_MAJOR}
                LIBRARY_OUTPUT_DIRECTORY "${output_dir}"
                LINK_DEPENDS "${map}")
-  target_link_options(${target} PRIVATE "LINKER:--version-script=${map}" LINKER:--as-needed LINKER:-z,relro,-z,now
-                      $<$<NOT:$<BOOL:${ZIMSR_SANITIZE}>>:LINKER:--no-undefined>)
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${map}" LINKER:--as-needed LINKER:-z,relro,-z,now)
+  if(ZIMSR_SANITIZE)
+    # The sanitizer's runtime has malloc, so the tests stand in front of it by another name.
+    target_link_options(${target} PRIVATE LINKER:--wrap=malloc,--wrap=free)
+  else()
+    target_link_options(${target} PRIVATE LINKER:--no-undefined)
+  endif()
   target_link_libraries(${target} PRIVATE m)
 endfunction()
 

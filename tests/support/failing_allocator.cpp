@@ -3,19 +3,17 @@
 #include <cerrno>
 #include <cstddef>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define UNDERLYING(name) __interceptor_##name
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define UNDERLYING(name) __interceptor_##name
-#endif
-#endif
-#ifndef UNDERLYING
+// Under a sanitizer malloc is the sanitizer's, and the library is linked to call this program's __wrap_malloc instead.
+#ifdef ZIMSR_WRAPPED_MALLOC
+#include <cstdlib>
+#define INTERPOSED(name) __wrap_##name
+#define UNDERLYING(name) name
+#else
+#define INTERPOSED(name) name
 #define UNDERLYING(name) __libc_##name
+extern "C" void* __libc_malloc(std::size_t);
+extern "C" void __libc_free(void*);
 #endif
-
-extern "C" void* UNDERLYING(malloc)(std::size_t);
-extern "C" void UNDERLYING(free)(void*);
 
 namespace {
 
@@ -25,7 +23,7 @@ thread_local int requestCount, failingRequest, liveBlocks;
 
 }  // namespace
 
-extern "C" void* malloc(std::size_t bytes)
+extern "C" void* INTERPOSED(malloc)(std::size_t bytes)
 {
     if (watching && ++requestCount == failingRequest) {
         errno = ENOMEM;
@@ -37,7 +35,7 @@ extern "C" void* malloc(std::size_t bytes)
     return block;
 }
 
-extern "C" void free(void* block)
+extern "C" void INTERPOSED(free)(void* block)
 {
     if (watching && block)
         --liveBlocks;
