@@ -71,6 +71,8 @@ using I8 = Vec<int32_t, 8>;
 using L4 = Vec<int64_t, 4>;
 using S8 = Vec<int16_t, 8>;
 using S16 = Vec<int16_t, 16>;
+using U8 = Vec<uint32_t, 8>;
+using B16 = Vec<uint8_t, 16>;
 
 namespace simd_detail {
 
@@ -261,6 +263,35 @@ ZIM_INLINE void storeFirst(T* destination, Vec<T, N> v, int count)
     T lanes[N];
     store(lanes, v);
     std::memcpy(destination, lanes, static_cast<std::size_t>(count) * sizeof(T));
+}
+
+// ---- Memory past the cache, for vectors longer than the cache is worth
+
+// Stores to a multiple of registerBytes; fenceStores() ends a run of them.
+template <class T, int N>
+ZIM_INLINE void storeStreaming(T* destination, Vec<T, N> v)
+{
+    using V = Vec<T, N>;
+#pragma GCC unroll 4
+    for (int p = 0; p < V::parts; ++p) {
+        if constexpr (V::partBytes == 16)
+            _mm_stream_si128(reinterpret_cast<__m128i*>(destination + p * V::partLanes), (__m128i)v.part[p]);
+#if defined(__AVX2__)
+        else
+            _mm256_stream_si256(reinterpret_cast<__m256i*>(destination + p * V::partLanes), (__m256i)v.part[p]);
+#endif
+    }
+}
+
+ZIM_INLINE void fenceStores()
+{
+    _mm_sfence();
+}
+
+// Brings the line of an address near for one use; any address will do.
+ZIM_INLINE void prefetchOnce(const void* address)
+{
+    _mm_prefetch(static_cast<const char*>(address), _MM_HINT_NTA);
 }
 
 // ---- Moving lanes
@@ -474,10 +505,71 @@ ZIM_INLINE I8 widen(S8 v)
 #endif
 }
 
+ZIM_INLINE S16 widen(B16 v)
+{
+#if defined(__AVX2__)
+    return {(S16::Part)_mm256_cvtepu8_epi16((__m128i)v.part[0])};
+#else
+    const __m128i x = (__m128i)v.part[0], zero = _mm_setzero_si128();
+    return {(S16::Part)_mm_unpacklo_epi8(x, zero), (S16::Part)_mm_unpackhi_epi8(x, zero)};
+#endif
+}
+
+ZIM_INLINE D4 toDouble(I4 v)
+{
+#if defined(__AVX2__)
+    return {_mm256_cvtepi32_pd((__m128i)v.part[0])};
+#else
+    const __m128i x = (__m128i)v.part[0];
+    return {_mm_cvtepi32_pd(x), _mm_cvtepi32_pd(_mm_unpackhi_epi64(x, x))};
+#endif
+}
+
+// Rounded by the processor's current mode; out of range and NaN give INT_MIN.
+ZIM_INLINE I4 toIntRounded(D4 v)
+{
+#if defined(__AVX2__)
+    return {(I4::Part)_mm256_cvtpd_epi32(v.part[0])};
+#else
+    return {(I4::Part)_mm_unpacklo_epi64(_mm_cvtpd_epi32(v.part[0]), _mm_cvtpd_epi32(v.part[1]))};
+#endif
+}
+
+// Truncated toward zero; out of range and NaN give INT_MIN.
+ZIM_INLINE I4 toIntTruncated(D4 v)
+{
+#if defined(__AVX2__)
+    return {(I4::Part)_mm256_cvttpd_epi32(v.part[0])};
+#else
+    return {(I4::Part)_mm_unpacklo_epi64(_mm_cvttpd_epi32(v.part[0]), _mm_cvttpd_epi32(v.part[1]))};
+#endif
+}
+
 // Saturates each lane to 16 bits.
 ZIM_INLINE S8 narrowSaturated(I8 v)
 {
     return {(S8::Part)_mm_packs_epi32((__m128i)lowHalf(v).part[0], (__m128i)highHalf(v).part[0])};
+}
+
+// ---- Products of 16-bit lanes
+
+// All 32 bits of each product.
+ZIM_INLINE I8 multiplyWide(S8 a, S8 b)
+{
+    const __m128i low = _mm_mullo_epi16((__m128i)a.part[0], (__m128i)b.part[0]);
+    const __m128i high = _mm_mulhi_epi16((__m128i)a.part[0], (__m128i)b.part[0]);
+    return join(I4{(I4::Part)_mm_unpacklo_epi16(low, high)}, I4{(I4::Part)_mm_unpackhi_epi16(low, high)});
+}
+
+// a[2i] * b[2i] + a[2i+1] * b[2i+1]. One sum does not fit: four times -32768 gives INT_MIN.
+ZIM_INLINE I8 multiplyAddPairs(S16 a, S16 b)
+{
+#if defined(__AVX2__)
+    return {(I8::Part)_mm256_madd_epi16((__m256i)a.part[0], (__m256i)b.part[0])};
+#else
+    return {(I8::Part)_mm_madd_epi16((__m128i)a.part[0], (__m128i)b.part[0]),
+            (I8::Part)_mm_madd_epi16((__m128i)a.part[1], (__m128i)b.part[1])};
+#endif
 }
 
 }  // namespace zimsr

@@ -1,0 +1,53 @@
+// Fill and copy, by bits. Blocks of half a megabyte and more are written past the cache.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstring>
+
+#include <zimsr/types.h>
+
+#include "base/kernels/elementwise.h"
+
+namespace zimsr {
+
+inline constexpr std::size_t streamingBytes = 524288;
+
+template <class T>
+ZIM_INLINE void fillBlock(T value, T* dst, std::size_t len)
+{
+    // Floats are filled as integers, so that every bit of a signalling NaN survives.
+    using Bits = typename Vec<T, 1>::Mask::Lane;
+    constexpr int lanes = 32 / static_cast<int>(sizeof(T));
+    const auto filled = splat<Vec<Bits, lanes>>(std::bit_cast<Bits>(value));
+    const auto produce = [filled] { return filled; };
+    Bits* bits = reinterpret_cast<Bits*>(dst);
+    if (len * sizeof(T) >= streamingBytes)
+        streamElements<lanes>(bits, len, produce);
+    else
+        mapElements<lanes>(bits, len, produce);
+}
+
+template <class T>
+ZIM_INLINE void zeroBlock(T* dst, std::size_t len)
+{
+    if (len * sizeof(T) >= streamingBytes)
+        fillBlock(T{0}, dst, len);
+    else
+        std::memset(dst, 0, len * sizeof(T));
+}
+
+// The blocks do not overlap.
+template <class T>
+ZIM_INLINE void copyBlock(const T* src, T* dst, std::size_t len)
+{
+    const std::size_t bytes = len * sizeof(T);
+    if (bytes >= streamingBytes)
+        streamElements<32>(
+            reinterpret_cast<Zim8u*>(dst), bytes, [](Vec<Zim8u, 32> v) { return v; },
+            reinterpret_cast<const Zim8u*>(src));
+    else
+        std::memcpy(dst, src, bytes);
+}
+
+}  // namespace zimsr

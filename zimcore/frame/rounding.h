@@ -1,0 +1,48 @@
+// Rounding of float operations, for a run that rounds in one way whatever the caller has set.
+//
+//     const RoundToNearest mode;
+//     quantise(src, dst, len, ...);
+//
+// The control word changes only where the caller's mode is another one, and only in its mode bits. It is read and
+// written behind a memory barrier: what a kernel loads and stores stays on its side of the change, and with it every
+// operation between a load and a store.
+#pragma once
+
+#include <cstdint>
+
+namespace zimsr {
+
+class RoundToNearest {
+public:
+    RoundToNearest() : callersMode_(controlWord() & modeBits)
+    {
+        if (callersMode_ != 0) [[unlikely]]
+            setMode(0);
+    }
+    ~RoundToNearest()
+    {
+        if (callersMode_ != 0) [[unlikely]]
+            setMode(callersMode_);
+    }
+    RoundToNearest(const RoundToNearest&) = delete;
+    RoundToNearest& operator=(const RoundToNearest&) = delete;
+
+private:
+    static constexpr std::uint32_t modeBits = 0x6000;  // 0 is to nearest, ties to even
+
+    static std::uint32_t controlWord()
+    {
+        std::uint32_t word;
+        __asm__ volatile("stmxcsr %0" : "=m"(word) : : "memory");
+        return word;
+    }
+    static void setMode(std::uint32_t mode)
+    {
+        const std::uint32_t word = (controlWord() & ~modeBits) | mode;
+        __asm__ volatile("ldmxcsr %0" : : "m"(word) : "memory");
+    }
+
+    std::uint32_t callersMode_;
+};
+
+}  // namespace zimsr
