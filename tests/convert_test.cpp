@@ -5,13 +5,14 @@
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
 #include <zimsr/convert.h>
 
 #include "support/compare.h"
-#include "support/guarded.h"
+#include "support/door_checks.h"
 #include "support/random.h"
 #include "support/shapes.h"
 
@@ -117,26 +118,6 @@ TEST(Quantise, StatedExamples)
     EXPECT_EQ(dst, (std::vector<Zim16s>{0, 1, 2, 3, 32767, -32768, -1}));
 }
 
-// One conversion of vectors, run at every shape against a conversion of elements.
-template <class From, class To, class Convert, class Element>
-void expectElements(const std::vector<From>& values, Convert convert, Element element)
-{
-    forEachShape<From>([&](int len, Placement placement) {
-        std::vector<From> source;
-        std::vector<To> wanted;
-        for (int i = 0; i < len; ++i) {
-            source.push_back(values[static_cast<std::size_t>(i + 3 * len) % values.size()]);
-            wanted.push_back(element(source.back()));
-        }
-        const Guarded<From> src(source, placement);
-        const Guarded<To> dst(source.size(), placement.beforeProtectedPage
-                                                 ? placement
-                                                 : atOffset(placement.offset / sizeof(From) * sizeof(To)));
-        EXPECT_EQ(convert(src.data(), dst.data(), len), zimStsOk);
-        EXPECT_TRUE(equalBits(dst.values(), wanted)) << "length " << len;
-    });
-}
-
 TEST(Conversions, EveryShape)
 {
     Random random(12);
@@ -146,29 +127,24 @@ TEST(Conversions, EveryShape)
     const auto floats = criticalValues<Zim32f>();
     const auto doubles = criticalValues<Zim64f>();
     const auto plain = [](auto v) { return static_cast<Zim32f>(v); };
-    expectElements<Zim8u, Zim32f>(bytes, zimsConvert_8u32f, plain);
-    expectElements<Zim16s, Zim32f>(shorts, zimsConvert_16s32f, plain);
-    expectElements<Zim32s, Zim32f>(ints, zimsConvert_32s32f, plain);
-    expectElements<Zim64f, Zim32f>(doubles, zimsConvert_64f32f, plain);
-    expectElements<Zim16s, Zim32f>(
-        shorts, [](auto... call) { return zimsConvert_16s32f_Sfs(call..., 7); }, [](auto v) { return v / 128.0f; });
-    expectElements<Zim16s, Zim64f>(
-        shorts, [](auto... call) { return zimsConvert_16s64f_Sfs(call..., -9); }, [](auto v) { return v * 512.0; });
-    expectElements<Zim32s, Zim32f>(
-        ints, [](auto... call) { return zimsConvert_32s32f_Sfs(call..., 31); },
-        [](auto v) { return static_cast<Zim32f>(v) / 2147483648.0f; });
-    expectElements<Zim32s, Zim16s>(
-        ints, [](auto... call) { return zimsConvert_32s16s_Sfs(call..., 16); },
-        [](auto v) { return quantised<Zim16s>(v / 65536.0L, false); });
-    expectElements<Zim32f, Zim16s>(
-        floats, [](auto... call) { return zimsConvert_32f16s_Sfs(call..., 1, 1); },
-        [](auto v) { return quantised<Zim16s>(v / 2.0L, false); });
-    expectElements<Zim32f, Zim32s>(
-        floats, [](auto... call) { return zimsConvert_32f32s_Sfs(call..., 0, -1); },
-        [](auto v) { return quantised<Zim32s>(v * 2.0L, true); });
-    expectElements<Zim64f, Zim32s>(
-        doubles, [](auto... call) { return zimsConvert_64f32s_Sfs(call..., 1, -1); },
-        [](auto v) { return quantised<Zim32s>(v * 2.0L, false); });
+    expectElementwise<Zim32f>(zimsConvert_8u32f, plain, bytes);
+    expectElementwise<Zim32f>(zimsConvert_16s32f, plain, shorts);
+    expectElementwise<Zim32f>(zimsConvert_32s32f, plain, ints);
+    expectElementwise<Zim32f>(zimsConvert_64f32f, plain, doubles);
+    expectElementwise<Zim32f>([](auto... call) { return zimsConvert_16s32f_Sfs(call..., 7); },
+                              [](Zim16s v) { return v / 128.0f; }, shorts);
+    expectElementwise<Zim64f>([](auto... call) { return zimsConvert_16s64f_Sfs(call..., -9); },
+                              [](Zim16s v) { return v * 512.0; }, shorts);
+    expectElementwise<Zim32f>([](auto... call) { return zimsConvert_32s32f_Sfs(call..., 31); },
+                              [](Zim32s v) { return static_cast<Zim32f>(v) / 2147483648.0f; }, ints);
+    expectElementwise<Zim16s>([](auto... call) { return zimsConvert_32s16s_Sfs(call..., 16); },
+                              [](Zim32s v) { return quantised<Zim16s>(v / 65536.0L, false); }, ints);
+    expectElementwise<Zim16s>([](auto... call) { return zimsConvert_32f16s_Sfs(call..., 1, 1); },
+                              [](Zim32f v) { return quantised<Zim16s>(v / 2.0L, false); }, floats);
+    expectElementwise<Zim32s>([](auto... call) { return zimsConvert_32f32s_Sfs(call..., 0, -1); },
+                              [](Zim32f v) { return quantised<Zim32s>(v * 2.0L, true); }, floats);
+    expectElementwise<Zim32s>([](auto... call) { return zimsConvert_64f32s_Sfs(call..., 1, -1); },
+                              [](Zim64f v) { return quantised<Zim32s>(v * 2.0L, false); }, doubles);
 }
 
 TEST(Conversions, IntegersToFloatsRoundToNearestInEveryModeOfTheCaller)
@@ -244,32 +220,19 @@ TEST(Conversions, ElementsOfOneSizeConvertInPlace)
     EXPECT_EQ(std::memcmp(inPlace, apart.data(), sizeof(Zim32s) * 37), 0);
 }
 
-template <class From, class To, class... Extra>
-void expectChecks(ZimStatus (*convert)(const From*, To*, int, Extra...))
-{
-    const From src[1] = {};
-    Guarded<To> dst({To{77}});
-    expectStatuses({{"src null", convert(nullptr, dst, 1, Extra{}...), zimStsNullPointer},
-                    {"dst null", convert(src, nullptr, 1, Extra{}...), zimStsNullPointer},
-                    {"null before size", convert(nullptr, dst, 0, Extra{}...), zimStsNullPointer},
-                    {"length 0", convert(src, dst, 0, Extra{}...), zimStsBadSize},
-                    {"length negative", convert(src, dst, INT_MIN, Extra{}...), zimStsBadSize}});
-    EXPECT_EQ(dst[0], To{77});
-}
-
 TEST(Conversions, Checks)
 {
-    expectChecks(zimsConvert_8u32f);
-    expectChecks(zimsConvert_16s32f);
-    expectChecks(zimsConvert_32s32f);
-    expectChecks(zimsConvert_64f32f);
-    expectChecks(zimsConvert_16s32f_Sfs);
-    expectChecks(zimsConvert_16s64f_Sfs);
-    expectChecks(zimsConvert_32s32f_Sfs);
-    expectChecks(zimsConvert_32s16s_Sfs);
-    expectChecks(zimsConvert_32f16s_Sfs);
-    expectChecks(zimsConvert_32f32s_Sfs);
-    expectChecks(zimsConvert_64f32s_Sfs);
+    expectPointersThenLength(zimsConvert_8u32f);
+    expectPointersThenLength(zimsConvert_16s32f);
+    expectPointersThenLength(zimsConvert_32s32f);
+    expectPointersThenLength(zimsConvert_64f32f);
+    expectPointersThenLength(zimsConvert_16s32f_Sfs);
+    expectPointersThenLength(zimsConvert_16s64f_Sfs);
+    expectPointersThenLength(zimsConvert_32s32f_Sfs);
+    expectPointersThenLength(zimsConvert_32s16s_Sfs);
+    expectPointersThenLength(zimsConvert_32f16s_Sfs);
+    expectPointersThenLength(zimsConvert_32f32s_Sfs);
+    expectPointersThenLength(zimsConvert_64f32s_Sfs);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <limits>
-#include <type_traits>
 
 #include <zimsr/types.h>
 #include <zimsr/version.h>
@@ -14,13 +13,6 @@
 #include "zimcore/frame/scaling.h"
 
 namespace zimsr {
-
-// The vector that float kernels run on: one register at the higher levels.
-template <class Float>
-using FloatVector = std::conditional_t<sizeof(Float) == 4, F8, D4>;
-
-template <class Float>
-inline constexpr int floatLanes = FloatVector<Float>::lanes;
 
 template <class Float>
 ZIM_INLINE void absoluteBlock(const Float* src, Float* dst, std::size_t len)

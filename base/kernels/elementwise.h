@@ -2,11 +2,16 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 
 #include "zimcore/frame/rows.h"
 #include "zimcore/frame/simd.h"
 
 namespace zimsr {
+
+// The vector that float kernels run on: one register at the higher levels.
+template <class Float>
+using FloatVector = std::conditional_t<sizeof(Float) == 4, F8, D4>;
 
 // dst[i] = operation(sources[i]...), where operation takes and gives vectors of N lanes. The destination may be one of
 // the sources: the last vector is computed before anything is written. For rows of at least one vector.

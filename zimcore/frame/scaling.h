@@ -77,4 +77,13 @@ constexpr Int shiftLeftSaturate(Zim64s v, int shift)
     return saturate<Int>(limited * (Zim64s{1} << shift));
 }
 
+// saturate<Int>(round(v * 2^-factor)) for every factor, where |v| is at most 2^62: the whole rule of `Sfs`.
+template <class Int>
+constexpr Int scaleHalfEven(Zim64s v, int factor)
+{
+    if (factor <= 0)
+        return shiftLeftSaturate<Int>(v, -std::max(factor, -62));
+    return factor > 62 ? Int{0} : saturate<Int>(shiftRightHalfEven(v, factor));
+}
+
 }  // namespace zimsr

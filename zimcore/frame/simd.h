@@ -72,6 +72,7 @@ using L4 = Vec<int64_t, 4>;
 using S8 = Vec<int16_t, 8>;
 using S16 = Vec<int16_t, 16>;
 using U8 = Vec<uint32_t, 8>;
+using UL4 = Vec<uint64_t, 4>;
 using B16 = Vec<uint8_t, 16>;
 
 namespace simd_detail {
