@@ -189,7 +189,7 @@ void expectZeroDivisors(ZimStatus (*divide)(const Float*, const Float*, Float*, 
                                           Limits::denorm_min(),
                                           -Limits::max()};
     for (Float zero : {Float(0), Float(-0.0)})
-        for (int len = 1; len <= 20; ++len)
+        for (int len : {1, 2, 7, 8, 9, 15, 17})
             for (int at = 0; at < len; ++at)
                 for (Float dividend : dividends) {
                     std::vector<Float> divisors(static_cast<std::size_t>(len), 2), values(divisors.size(), 5);
