@@ -86,4 +86,12 @@ constexpr Int scaleHalfEven(Zim64s v, int factor)
     return factor > 62 ? Int{0} : saturate<Int>(shiftRightHalfEven(v, factor));
 }
 
+// saturate<Int>(v * 2^-factor) for every factor, rounded down: a bare shift.
+template <class Int>
+constexpr Int scaleFloor(Zim64s v, Zim64s factor)
+{
+    return factor < 0 ? shiftLeftSaturate<Int>(v, static_cast<int>(-std::max<Zim64s>(factor, -62)))
+                      : saturate<Int>(v >> std::min<Zim64s>(factor, 63));
+}
+
 }  // namespace zimsr

@@ -398,6 +398,11 @@ ZIM_INLINE double sumLanes(D4 v)
     return sumLanes(lowHalf(v) + highHalf(v));
 }
 
+ZIM_INLINE int64_t sumLanes(L4 v)
+{
+    return (v[0] + v[1]) + (v[2] + v[3]);
+}
+
 // The sums of four vectors at once, each by the tree of sumLanes.
 ZIM_INLINE F4 sumLanesOfFour(F8 a, F8 b, F8 c, F8 d)
 {
@@ -546,6 +551,23 @@ ZIM_INLINE I4 toIntTruncated(D4 v)
 #else
     return {(I4::Part)_mm_unpacklo_epi64(_mm_cvttpd_epi32(v.part[0]), _mm_cvttpd_epi32(v.part[1]))};
 #endif
+}
+
+ZIM_INLINE L4 widen(I4 v)
+{
+#if defined(__AVX2__)
+    return {(L4::Part)_mm256_cvtepi32_epi64((__m128i)v.part[0])};
+#else
+    const __m128i x = (__m128i)v.part[0], sign = _mm_srai_epi32(x, 31);
+    return {(L4::Part)_mm_unpacklo_epi32(x, sign), (L4::Part)_mm_unpackhi_epi32(x, sign)};
+#endif
+}
+
+// The low 32 bits of each product.
+ZIM_INLINE I8 multiplyWrapped(I8 a, I8 b)
+{
+    using Unsigned = typename simd_detail::Register<uint32_t, I8::partBytes>::type;
+    return simd_detail::eachPart<I8>([](auto x, auto y) { return (I8::Part)((Unsigned)x * (Unsigned)y); }, a, b);
 }
 
 // Saturates each lane to 16 bits.
