@@ -45,9 +45,11 @@ TYPED_TEST(Vectors, SelectionTakesEachLaneFromItsSide)
     for (int count = 0; count <= TypeParam::lanes; ++count) {
         const TypeParam v = select(firstLanes<TypeParam>(count), ones, twos);
         const TypeParam kept = keep(firstLanes<TypeParam>(count), twos);
+        const TypeParam last = keep(lastLanes<TypeParam>(count), twos);
         for (int i = 0; i < TypeParam::lanes; ++i) {
             EXPECT_EQ(v[i], Lane(i < count ? 1 : 2));
             EXPECT_EQ(kept[i], Lane(i < count ? 2 : 0));
+            EXPECT_EQ(last[i], Lane(i >= TypeParam::lanes - count ? 2 : 0));
         }
     }
 }
@@ -62,17 +64,47 @@ TEST(Shuffle, PicksLanesOfBothOperands)
     EXPECT_EQ(lanesOf(join(highHalf(a), lowHalf(b))), (Lanes{4, 5, 6, 7, 8, 9, 10, 11}));
 }
 
+float tree(const float* v)
+{
+    return ((v[0] + v[4]) + (v[1] + v[5])) + ((v[2] + v[6]) + (v[3] + v[7]));
+}
+
+double tree(const double* v)
+{
+    return (v[0] + v[2]) + (v[1] + v[3]);
+}
+
+template <class V, int count>
+void expectSumsOfGroup(Random& random)
+{
+    const auto x = random.vector<typename V::Lane>(count * V::lanes, -1, 1);
+    V rows[count];
+    for (int r = 0; r < count; ++r)
+        rows[r] = load<V>(&x[static_cast<std::size_t>(r * V::lanes)]);
+    const auto sums = sumFolded(foldLanes(rows));
+    typename V::Lane lanes[count];
+    store(lanes, sums);
+    for (int r = 0; r < count; ++r)
+        EXPECT_TRUE(sameBits(lanes[r], tree(&x[static_cast<std::size_t>(r * V::lanes)]))) << r << " of " << count;
+}
+
 TEST(Sums, OneTreeForSinglesAndGroups)
 {
     Random random(3);
     for (int i = 0; i < 100; ++i) {
+        expectSumsOfGroup<F8, 1>(random);
+        expectSumsOfGroup<F8, 4>(random);
+        expectSumsOfGroup<F8, 8>(random);
+        expectSumsOfGroup<D4, 1>(random);
+        expectSumsOfGroup<D4, 4>(random);
         const auto x = random.vector<float>(32, -1, 1);
         const F4 group = sumLanesOfFour(load<F8>(&x[0]), load<F8>(&x[8]), load<F8>(&x[16]), load<F8>(&x[24]));
-        for (int r = 0; r < 4; ++r) {
-            const float* v = &x[8 * static_cast<std::size_t>(r)];
-            const float tree = ((v[0] + v[4]) + (v[1] + v[5])) + ((v[2] + v[6]) + (v[3] + v[7]));
-            EXPECT_TRUE(sameBits(group[r], tree));
-            EXPECT_TRUE(sameBits(sumLanes(load<F8>(v)), tree));
+        const D2 pair = sumLanesOfTwo(widen(load<F4>(&x[0])), widen(load<F4>(&x[4])));
+        for (int r = 0; r < 4; ++r)
+            EXPECT_TRUE(sameBits(group[r], tree(&x[8 * static_cast<std::size_t>(r)])));
+        for (int r = 0; r < 2; ++r) {
+            const auto v = std::vector<double>(&x[4 * static_cast<std::size_t>(r)], &x[4 * static_cast<std::size_t>(r) + 4]);
+            EXPECT_TRUE(sameBits(pair[r], tree(v.data())));
         }
     }
 }

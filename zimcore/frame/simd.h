@@ -126,6 +126,25 @@ ZIM_INLINE void store(T* destination, Vec<T, N> v)
             v.part[p];
 }
 
+// A scalar is a vector of one lane: what a kernel does with the results of a group of rows serves a single row too.
+template <class T>
+requires std::is_arithmetic_v<T> ZIM_INLINE T splat(T value)
+{
+    return value;
+}
+
+template <class T>
+requires std::is_arithmetic_v<T> ZIM_INLINE T load(const T* source)
+{
+    return *source;
+}
+
+template <class T>
+requires std::is_arithmetic_v<T> ZIM_INLINE void store(T* destination, T value)
+{
+    *destination = value;
+}
+
 // 0, 1, 2, ...
 template <class V>
 ZIM_INLINE V laneIndex()
@@ -214,6 +233,13 @@ ZIM_INLINE typename V::Mask firstLanes(int count)
     return laneIndex<Mask>() < splat<Mask>(static_cast<typename Mask::Lane>(count));
 }
 
+// The lanes above those, count of them.
+template <class V>
+ZIM_INLINE typename V::Mask lastLanes(int count)
+{
+    return ~firstLanes<V>(V::lanes - count);
+}
+
 template <class T, int N>
 ZIM_INLINE Vec<T, N> keep(typename Vec<T, N>::Mask mask, Vec<T, N> v)
 {
@@ -238,20 +264,50 @@ ZIM_INLINE bool anySet(Vec<T, N> mask)
 
 // ---- The rest of a row, when less than a vector is left: no byte outside the row is touched
 
+namespace simd_detail {
+
+// The first words of 32 bits from source, 0 in the others; all four when words is more.
+ZIM_INLINE __m128i loadWords(const char* source, int words)
+{
+    int32_t single;
+    switch (words) {
+    case 1:
+        std::memcpy(&single, source, 4);
+        return _mm_cvtsi32_si128(single);
+    case 2:
+        return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source));
+    case 3:
+        std::memcpy(&single, source + 8, 4);
+        return _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(source)), _mm_cvtsi32_si128(single));
+    default:
+        return words < 1 ? _mm_setzero_si128() : _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
+    }
+}
+
+}  // namespace simd_detail
+
 // The first count lanes from source, 0 in the others; 0 <= count <= N.
 template <class V>
 ZIM_INLINE V loadFirst(const typename V::Lane* source, int count)
 {
+    constexpr int laneBytes = sizeof(typename V::Lane);
 #if defined(__AVX2__)
-    if constexpr (V::partBytes == 32 && sizeof(typename V::Lane) == 4 && V::parts == 1)
+    if constexpr (V::partBytes == 32 && laneBytes == 4 && V::parts == 1)
         return {(typename V::Part)_mm256_maskload_epi32(reinterpret_cast<const int*>(source),
                                                         (__m256i)firstLanes<V>(count).part[0])};
-    else if constexpr (V::partBytes == 32 && sizeof(typename V::Lane) == 8 && V::parts == 1)
+    else if constexpr (V::partBytes == 32 && laneBytes == 8 && V::parts == 1)
         return {(typename V::Part)_mm256_maskload_epi64(reinterpret_cast<const long long*>(source),
                                                         (__m256i)firstLanes<V>(count).part[0])};
     else
 #endif
-    {
+        if constexpr (V::partBytes == 16 && laneBytes >= 4) {
+        V result;
+#pragma GCC unroll 4
+        for (int p = 0; p < V::parts; ++p)
+            result.part[p] = (typename V::Part)simd_detail::loadWords(reinterpret_cast<const char*>(source) + 16 * p,
+                                                                      count * (laneBytes / 4) - 4 * p);
+        return result;
+    } else {
         typename V::Lane lanes[V::lanes] = {};
         std::memcpy(lanes, source, static_cast<std::size_t>(count) * sizeof(typename V::Lane));
         return load<V>(lanes);
@@ -403,12 +459,100 @@ ZIM_INLINE int64_t sumLanes(L4 v)
     return (v[0] + v[1]) + (v[2] + v[3]);
 }
 
-// The sums of four vectors at once, each by the tree of sumLanes.
+// ---- The sums of a group of vectors at once, each by the tree of sumLanes: foldLanes, then sumFolded. The two are
+// apart so that a kernel can put other work between them, which hides the long wait of the last steps.
+
+namespace simd_detail {
+
+// The halves of a in the lower half, those of b in the upper.
+ZIM_INLINE F8 addHalves(F8 a, F8 b)
+{
+    return shuffle<0, 1, 2, 3, 12, 13, 14, 15>(a, b) + shuffle<4, 5, 6, 7, 8, 9, 10, 11>(a, b);
+}
+
+ZIM_INLINE D4 addHalves(D4 a, D4 b)
+{
+    return shuffle<0, 1, 6, 7>(a, b) + shuffle<2, 3, 4, 5>(a, b);
+}
+
+// Neighbours of a, then of b, within each half.
+ZIM_INLINE F4 addNeighbours(F4 a, F4 b)
+{
+    return shuffle<0, 2, 4, 6>(a, b) + shuffle<1, 3, 5, 7>(a, b);
+}
+
+ZIM_INLINE F8 addNeighbours(F8 a, F8 b)
+{
+    return shuffle<0, 2, 8, 10, 4, 6, 12, 14>(a, b) + shuffle<1, 3, 9, 11, 5, 7, 13, 15>(a, b);
+}
+
+ZIM_INLINE D4 addNeighbours(D4 a, D4 b)
+{
+    return shuffle<0, 4, 2, 6>(a, b) + shuffle<1, 5, 3, 7>(a, b);
+}
+
+}  // namespace simd_detail
+
+// Partial sums of count vectors.
+template <class V, int count>
+struct Folded {
+    V part[count * 2 / V::lanes];
+};
+
+template <class V>
+struct Folded<V, 1> {
+    V part[1];
+};
+
+template <class V>
+ZIM_INLINE Folded<V, 1> foldLanes(const V (&v)[1])
+{
+    return {{v[0]}};
+}
+
+template <class V>
+ZIM_INLINE typename V::Lane sumFolded(Folded<V, 1> v)
+{
+    return sumLanes(v.part[0]);
+}
+
+ZIM_INLINE Folded<F8, 4> foldLanes(const F8 (&v)[4])
+{
+    using namespace simd_detail;
+    return {{addNeighbours(addHalves(v[0], v[2]), addHalves(v[1], v[3]))}};
+}
+
+ZIM_INLINE F4 sumFolded(Folded<F8, 4> v)
+{
+    return simd_detail::addNeighbours(lowHalf(v.part[0]), highHalf(v.part[0]));
+}
+
+ZIM_INLINE Folded<F8, 8> foldLanes(const F8 (&v)[8])
+{
+    using namespace simd_detail;
+    return {{addNeighbours(addHalves(v[0], v[4]), addHalves(v[1], v[5])),
+             addNeighbours(addHalves(v[2], v[6]), addHalves(v[3], v[7]))}};
+}
+
+ZIM_INLINE F8 sumFolded(Folded<F8, 8> v)
+{
+    return simd_detail::addNeighbours(v.part[0], v.part[1]);
+}
+
+ZIM_INLINE Folded<D4, 4> foldLanes(const D4 (&v)[4])
+{
+    using namespace simd_detail;
+    return {{addHalves(v[0], v[2]), addHalves(v[1], v[3])}};
+}
+
+ZIM_INLINE D4 sumFolded(Folded<D4, 4> v)
+{
+    return simd_detail::addNeighbours(v.part[0], v.part[1]);
+}
+
 ZIM_INLINE F4 sumLanesOfFour(F8 a, F8 b, F8 c, F8 d)
 {
-    const __m128 ab = _mm_hadd_ps((lowHalf(a) + highHalf(a)).part[0], (lowHalf(b) + highHalf(b)).part[0]);
-    const __m128 cd = _mm_hadd_ps((lowHalf(c) + highHalf(c)).part[0], (lowHalf(d) + highHalf(d)).part[0]);
-    return {_mm_hadd_ps(ab, cd)};
+    return sumFolded(foldLanes({a, b, c, d}));
 }
 
 ZIM_INLINE D2 sumLanesOfTwo(D4 a, D4 b)
