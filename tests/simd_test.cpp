@@ -19,7 +19,8 @@ std::vector<typename V::Lane> lanesOf(V v)
 }
 
 template <class V>
-class Vectors : public testing::Test {};
+class Vectors : public testing::Test {
+};
 using VectorTypes = testing::Types<F4, F8, D2, D4, D8, I4, I8, S8, S16>;
 TYPED_TEST_SUITE(Vectors, VectorTypes);
 
@@ -52,6 +53,41 @@ TYPED_TEST(Vectors, SelectionTakesEachLaneFromItsSide)
             EXPECT_EQ(last[i], Lane(i >= TypeParam::lanes - count ? 2 : 0));
         }
     }
+}
+
+TYPED_TEST(Vectors, HalvesHoldTheirLanesAndJoinToTheWhole)
+{
+    if constexpr (TypeParam::bytes > 16) {
+        const TypeParam v = laneIndex<TypeParam>();
+        const auto low = lowHalf(v), high = highHalf(v);
+        for (int i = 0; i < TypeParam::lanes / 2; ++i) {
+            EXPECT_EQ(low[i], v[i]);
+            EXPECT_EQ(high[i], v[TypeParam::lanes / 2 + i]);
+        }
+        EXPECT_EQ(lanesOf(join(low, high)), lanesOf(v));
+    }
+}
+
+TYPED_TEST(Vectors, AnyAndAllLookAtEveryLane)
+{
+    using Mask = typename TypeParam::Mask;
+    EXPECT_FALSE(anySet(splat<Mask>(0)));
+    EXPECT_TRUE(allSet(splat<Mask>(-1)));
+    for (int i = 0; i < TypeParam::lanes; ++i) {
+        Mask one = splat<Mask>(0);
+        one.set(i, -1);
+        EXPECT_TRUE(anySet(one));
+        EXPECT_FALSE(allSet(~one));
+    }
+}
+
+TEST(Reinterpret, KeepsBitsOverSeveralRegisters)
+{
+    const auto doubles = Random(4).vector<double>(8, -1, 1);
+    const auto bits = reinterpret<Vec<uint64_t, 8>>(load<D8>(doubles.data()));
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(bits[i], bitsOf(doubles[static_cast<std::size_t>(i)]));
+    EXPECT_EQ(lanesOf(reinterpret<D8>(bits)), doubles);
 }
 
 TEST(Shuffle, PicksLanesOfBothOperands)
@@ -107,6 +143,15 @@ TEST(Sums, OneTreeForSinglesAndGroups)
             EXPECT_TRUE(sameBits(pair[r], tree(v.data())));
         }
     }
+}
+
+TEST(Sums, OfIntegersAreExact)
+{
+    const auto x = Random(5).any<int32_t>(8);
+    uint32_t sum = 0;
+    for (int32_t value : x)
+        sum += static_cast<uint32_t>(value);
+    EXPECT_EQ(sumLanes(reinterpret<U8>(load<I8>(x.data()))), sum);
 }
 
 TEST(Conversions, RoundTruncateWidenSaturate)

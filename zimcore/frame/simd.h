@@ -26,6 +26,8 @@ inline constexpr int registerBytes = 16;
 #endif
 
 #define ZIM_INLINE inline __attribute__((always_inline))
+// Behind the parameters of a lambda: vectors of several registers would be passed through memory.
+#define ZIM_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace simd_detail {
 
@@ -91,7 +93,52 @@ ZIM_INLINE Result eachPart(Function function, const Vector&... operands)
 template <class V>
 using PartMask = typename V::Mask::Part;
 
+// One bit for each byte of a register.
+template <class Part>
+ZIM_INLINE int byteSigns(Part part)
+{
+    if constexpr (sizeof(Part) == 16)
+        return _mm_movemask_epi8((__m128i)part);
+#if defined(__AVX2__)
+    else
+        return _mm256_movemask_epi8((__m256i)part);
+#endif
+}
+
+template <int first, class Part, std::size_t... lane>
+ZIM_INLINE auto lanesFrom(Part part, std::index_sequence<lane...>)
+{
+    return __builtin_shufflevector(part, part, (first + static_cast<int>(lane))...);
+}
+
+template <int first, class T, int N>
+ZIM_INLINE Vec<T, N / 2> halfFrom(Vec<T, N> v)
+{
+    Vec<T, N / 2> half;
+    if constexpr (Vec<T, N>::parts == 1)
+        half.part[0] = lanesFrom<first>(v.part[0], std::make_index_sequence<N / 2>{});
+    else
+#pragma GCC unroll 4
+        for (int p = 0; p < half.parts; ++p)
+            half.part[p] = v.part[first / v.partLanes + p];
+    return half;
+}
+
+template <class Part, std::size_t... lane>
+ZIM_INLINE auto joinedLanes(Part low, Part high, std::index_sequence<lane...>)
+{
+    return __builtin_shufflevector(low, high, static_cast<int>(lane)...);
+}
+
 }  // namespace simd_detail
+
+// The same bits as lanes of another type. (std::bit_cast takes a vector of several registers through memory.)
+template <class To, class T, int N>
+ZIM_INLINE To reinterpret(Vec<T, N> v)
+{
+    static_assert(To::bytes == Vec<T, N>::bytes);
+    return simd_detail::eachPart<To>([](auto x) { return (typename To::Part)x; }, v);
+}
 
 // ---- Making vectors
 
@@ -243,23 +290,27 @@ ZIM_INLINE typename V::Mask lastLanes(int count)
 template <class T, int N>
 ZIM_INLINE Vec<T, N> keep(typename Vec<T, N>::Mask mask, Vec<T, N> v)
 {
-    return std::bit_cast<Vec<T, N>>(mask & std::bit_cast<typename Vec<T, N>::Mask>(v));
+    return reinterpret<Vec<T, N>>(mask & reinterpret<typename Vec<T, N>::Mask>(v));
 }
 
 template <class T, int N>
 ZIM_INLINE bool anySet(Vec<T, N> mask)
 {
-    int bits = 0;
+    auto any = mask.part[0];
 #pragma GCC unroll 4
-    for (int p = 0; p < Vec<T, N>::parts; ++p) {
-        if constexpr (Vec<T, N>::partBytes == 16)
-            bits |= _mm_movemask_epi8((__m128i)mask.part[p]);
-#if defined(__AVX2__)
-        else
-            bits |= _mm256_movemask_epi8((__m256i)mask.part[p]);
-#endif
-    }
-    return bits != 0;
+    for (int p = 1; p < mask.parts; ++p)
+        any |= mask.part[p];
+    return simd_detail::byteSigns(any) != 0;
+}
+
+template <class T, int N>
+ZIM_INLINE bool allSet(Vec<T, N> mask)
+{
+    auto all = mask.part[0];
+#pragma GCC unroll 4
+    for (int p = 1; p < mask.parts; ++p)
+        all &= mask.part[p];
+    return simd_detail::byteSigns(all) == static_cast<int>((std::uint64_t{1} << mask.partBytes) - 1);
 }
 
 // ---- The rest of a row, when less than a vector is left: no byte outside the row is touched
@@ -409,25 +460,27 @@ ZIM_INLINE Vec<T, N> shuffle(Vec<T, N> a)
 template <class T, int N>
 ZIM_INLINE Vec<T, N / 2> lowHalf(Vec<T, N> v)
 {
-    Vec<T, N / 2> half;
-    std::memcpy(&half, &v, sizeof half);
-    return half;
+    return simd_detail::halfFrom<0>(v);
 }
 
 template <class T, int N>
 ZIM_INLINE Vec<T, N / 2> highHalf(Vec<T, N> v)
 {
-    Vec<T, N / 2> half;
-    std::memcpy(&half, reinterpret_cast<const char*>(&v) + sizeof half, sizeof half);
-    return half;
+    return simd_detail::halfFrom<N / 2>(v);
 }
 
 template <class T, int N>
 ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
 {
     Vec<T, 2 * N> whole;
-    std::memcpy(&whole, &low, sizeof low);
-    std::memcpy(reinterpret_cast<char*>(&whole) + sizeof low, &high, sizeof high);
+    if constexpr (whole.parts == 1)
+        whole.part[0] = simd_detail::joinedLanes(low.part[0], high.part[0], std::make_index_sequence<2 * N>{});
+    else
+#pragma GCC unroll 4
+        for (int p = 0; p < low.parts; ++p) {
+            whole.part[p] = low.part[p];
+            whole.part[low.parts + p] = high.part[p];
+        }
     return whole;
 }
 
@@ -454,9 +507,15 @@ ZIM_INLINE double sumLanes(D4 v)
     return sumLanes(lowHalf(v) + highHalf(v));
 }
 
-ZIM_INLINE int64_t sumLanes(L4 v)
+// Of integers; the sum must fit.
+template <class T, int N>
+    requires std::is_integral_v<T>
+ZIM_INLINE T sumLanes(Vec<T, N> v)
 {
-    return (v[0] + v[1]) + (v[2] + v[3]);
+    if constexpr (N == 2)
+        return v[0] + v[1];
+    else
+        return sumLanes(lowHalf(v) + highHalf(v));
 }
 
 // ---- The sums of a group of vectors at once, each by the tree of sumLanes: foldLanes, then sumFolded. The two are
