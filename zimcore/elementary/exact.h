@@ -83,7 +83,7 @@ using Bits = Vec<uint64_t, V::lanes>;
 template <class V>
 ZIM_INLINE Bits<V> bitsOf(V v)
 {
-    return std::bit_cast<Bits<V>>(v);
+    return reinterpret<Bits<V>>(v);
 }
 
 }  // namespace zimsr::elementary

@@ -23,7 +23,7 @@ inline constexpr std::array<double, 9> cubicTerms = {
 template <class V>
 ZIM_INLINE V powerOfTwo(V n)
 {
-    return std::bit_cast<V>(bitsOf(n + splat<V>(integerShift + 1023)) << 52);
+    return reinterpret<V>(bitsOf(n + splat<V>(integerShift + 1023)) << 52);
 }
 
 // v * 2^n for |n| up to 2046; by two factors, so that no intermediate power overflows or underflows.

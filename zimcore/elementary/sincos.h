@@ -53,9 +53,9 @@ ZIM_INLINE V cosReduced(V r, V error)
 template <class V>
 ZIM_INLINE V byQuadrant(Bits<V> quadrant, V ofEven, V ofOdd)
 {
-    const auto odd = std::bit_cast<typename V::Mask>(splat<Bits<V>>(0) - (quadrant & splat<Bits<V>>(1)));
+    const auto odd = reinterpret<typename V::Mask>(splat<Bits<V>>(0) - (quadrant & splat<Bits<V>>(1)));
     const Bits<V> sign = (quadrant >> 1) << 63;
-    return std::bit_cast<V>(bitsOf(select(odd, ofOdd, ofEven)) ^ sign);
+    return reinterpret<V>(bitsOf(select(odd, ofOdd, ofEven)) ^ sign);
 }
 
 }  // namespace sincos_detail
