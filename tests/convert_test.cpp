@@ -1,5 +1,4 @@
 // Conversions against exact values: long double holds every source scaled by every power of two that matters.
-#include <fenv.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include "support/compare.h"
 #include "support/door_checks.h"
 #include "support/random.h"
+#include "support/rounding.h"
 #include "support/shapes.h"
 
 namespace zimsr::test {
@@ -21,8 +21,6 @@ namespace {
 
 constexpr float inf = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
-
-const int callersModes[] = {FE_TONEAREST, FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO};
 
 const int factors[] = {0,    1,     -1,    3,     -4,   14,    -14,   15,      -15,    16,   -16, 30,
                        31,   32,    -31,   -95,   -96,  -97,   -111,  -112,    -113,   126,  127, -126,
@@ -87,17 +85,12 @@ void expectQuantises(Quantiser<Float, Int> convert)
             std::vector<Int> wanted;
             for (Float v : values)
                 wanted.push_back(quantised<Int>(scaled(v, factor), rndMode == 0));
-            for (int mode : callersModes) {
+            inEveryRoundingMode([&] {
                 std::vector<Int> actual(values.size());
-                fesetround(mode);
                 const ZimStatus status = convert(values.data(), actual.data(), len, rndMode, factor);
-                const int modeAfter = fegetround();
-                fesetround(FE_TONEAREST);
                 EXPECT_EQ(status, zimStsOk);
-                EXPECT_EQ(modeAfter, mode);
-                EXPECT_TRUE(equalBits(actual, wanted))
-                    << "factor " << factor << " rndMode " << rndMode << " mode " << mode;
-            }
+                EXPECT_TRUE(equalBits(actual, wanted)) << "factor " << factor << " rndMode " << rndMode;
+            });
         }
 }
 
@@ -158,19 +151,15 @@ TEST(Conversions, IntegersToFloatsRoundToNearestInEveryModeOfTheCaller)
     }
     for (Zim64f v : doubles)
         fromDoubles.push_back(static_cast<Zim32f>(v));
-    for (int mode : callersModes) {
+    inEveryRoundingMode([&] {
         std::vector<Zim32f> a(ints.size()), b(ints.size()), c(doubles.size());
-        fesetround(mode);
         zimsConvert_32s32f(ints.data(), a.data(), static_cast<int>(a.size()));
         zimsConvert_32s32f_Sfs(ints.data(), b.data(), static_cast<int>(b.size()), 126);
         zimsConvert_64f32f(doubles.data(), c.data(), static_cast<int>(c.size()));
-        const int modeAfter = fegetround();
-        fesetround(FE_TONEAREST);
-        EXPECT_EQ(modeAfter, mode);
         EXPECT_TRUE(equalBits(a, fromInts));
         EXPECT_TRUE(equalBits(b, scaledInts));
         EXPECT_TRUE(equalBits(c, fromDoubles));
-    }
+    });
 }
 
 TEST(Conversions, FactorsOfScaledFloatsAreLimited)

@@ -52,6 +52,9 @@ TYPED_TEST(Vectors, SelectionTakesEachLaneFromItsSide)
             EXPECT_EQ(kept[i], Lane(i < count ? 2 : 0));
             EXPECT_EQ(last[i], Lane(i >= TypeParam::lanes - count ? 2 : 0));
         }
+        const auto behind = ~firstLanes<TypeParam>(count);
+        EXPECT_EQ(anySet(behind), count < TypeParam::lanes);
+        EXPECT_EQ(firstSet(behind), count);
     }
 }
 

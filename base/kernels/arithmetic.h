@@ -108,12 +108,12 @@ ZIM_INLINE bool divideElements(const Float* divisor, const Float* dividend, Floa
     using Limits = std::numeric_limits<Float>;
     const V zero = splat<V>(0);
     const V nan = splat<V>(sizeof(Float) == 4 ? Float(zimConstantOfNAN_32f) : Float(zimConstantOfNAN_64f));
-    auto zeroDivisors = splat<typename V::Mask>(0);
+    bool anyZero = false;
     const auto quotient = [&](V a, V b) {
         V result = b / a;
         const auto isZero = a == zero;
         if (anySet(isZero)) [[unlikely]] {
-            zeroDivisors = zeroDivisors | isZero;
+            anyZero = true;
             const V negative = select(b < zero, splat<V>(-Limits::infinity()), nan);
             result = select(isZero, select(b > zero, splat<V>(Limits::infinity()), negative), result);
         }
@@ -125,7 +125,7 @@ ZIM_INLINE bool divideElements(const Float* divisor, const Float* dividend, Floa
             dst[i] = quotient(splat<V>(divisor[i]), splat<V>(dividend[i]))[0];
     else
         mapElements<V::lanes>(dst, len, quotient, divisor, dividend);
-    return anySet(zeroDivisors);
+    return anyZero;
 }
 
 // True if some element is negative; it becomes NaN.

@@ -110,23 +110,22 @@ ZIM_INLINE void quantiseBlock(const Float* src, Int* dst, std::size_t len, int s
     constexpr int least = std::numeric_limits<Float>::min_exponent - 1;
     constexpr int greatest = std::numeric_limits<Float>::max_exponent - 1;
     using V = Vec<Float, N>;
-    const auto power = [](int exponent) {
+    const auto power = [](int factor) {
         if constexpr (sizeof(Float) == 4)
-            return splat<V>(GetScale_32s32f(-exponent));
+            return splat<V>(GetScale_32s32f(factor));
         else
-            return splat<V>(GetScale_32s64f(-exponent));
+            return splat<V>(GetScale_32s64f(factor));
     };
-    // Beyond the normal powers the factor is a product of two, so that zero stays zero, infinity stays infinity and the
-    // smallest number is scaled exactly. Two of the greatest take every number but zero to saturation, two of the least
-    // every finite number to zero.
-    const int exponent = -std::clamp(scaleFactor, -2 * greatest, -2 * least);
-    const int first = std::clamp(exponent, least, greatest);
-    const V scale = power(first);
-    if (exponent == first) {
+    if (scaleFactor >= -greatest && scaleFactor <= -least) [[likely]] {
+        const V scale = power(scaleFactor);
         mapElements<N>(
             dst, len, [=](V v) { return quantise(v * scale, toInt, Int{}); }, src);
     } else {
-        const V rest = power(exponent - first);
+        // Beyond the normal powers the scale is a product of two, so that zero stays zero, infinity stays infinity and
+        // the smallest number is scaled exactly. Two of the greatest take every number but zero to saturation, two of
+        // the least every finite number to zero.
+        const int first = scaleFactor < 0 ? -greatest : -least;
+        const V scale = power(first), rest = power(std::clamp(scaleFactor, -2 * greatest, -2 * least) - first);
         mapElements<N>(
             dst, len, [=](V v) { return quantise(v * scale * rest, toInt, Int{}); }, src);
     }

@@ -20,8 +20,16 @@ ZIM_INLINE void mapLongRow(Result* dst, std::size_t len, Operation operation, co
 {
     const std::size_t last = len - N;
     const auto lastResult = operation(load<Vec<Source, N>>(sources + last)...);
-    for (std::size_t i = 0; i < last; i += N)
-        store(dst + i, operation(load<Vec<Source, N>>(sources + i)...));
+    const auto step = [&](std::size_t i) { store(dst + i, operation(load<Vec<Source, N>>(sources + i)...)); };
+    std::size_t i = 0;
+    for (; i + 4 * N <= len; i += 4 * N) {
+        step(i);
+        step(i + N);
+        step(i + 2 * N);
+        step(i + 3 * N);
+    }
+    for (; i < last; i += N)
+        step(i);
     store(dst + last, lastResult);
 }
 

@@ -71,14 +71,19 @@ ZIM_INLINE std::size_t firstPlace(const Float* src, std::size_t len, Float value
 {
     using V = FloatVector<Float>;
     constexpr std::size_t N = V::lanes;
+    const auto equalAt = [=](std::size_t i) { return load<V>(src + i) == splat<V>(value); };
+    if (len < N) {
+        const Float* found = std::find(src, src + len, value);
+        return found == src + len ? 0 : static_cast<std::size_t>(found - src);
+    }
     std::size_t i = 0;
-    const auto equalAt = [=](std::size_t at) { return load<V>(src + at) == splat<V>(value); };
     while (i + 4 * N <= len && !anySet(equalAt(i) | equalAt(i + N) | equalAt(i + 2 * N) | equalAt(i + 3 * N)))
         i += 4 * N;
-    for (; i < len; ++i)
-        if (src[i] == value)
-            return i;
-    return 0;
+    for (; i + N < len; i += N)
+        if (const auto equal = equalAt(i); anySet(equal))
+            return i + static_cast<std::size_t>(firstSet(equal));
+    const auto equal = equalAt(len - N);
+    return anySet(equal) ? len - N + static_cast<std::size_t>(firstSet(equal)) : 0;
 }
 
 // The first of the extreme elements, or the first element when all are NaN.

@@ -28,13 +28,20 @@ ZIM_INLINE void fillBlock(T value, T* dst, std::size_t len)
         mapElements<lanes>(bits, len, produce);
 }
 
+// A block that takes less time than the C library takes to choose a way.
+ZIM_INLINE bool isSmallBlock(std::size_t bytes)
+{
+    return bytes >= 32 && bytes <= 512;
+}
+
 template <class T>
 ZIM_INLINE void zeroBlock(T* dst, std::size_t len)
 {
-    if (len * sizeof(T) >= streamingBytes)
-        fillBlock(T{0}, dst, len);
+    const std::size_t bytes = len * sizeof(T);
+    if (bytes >= streamingBytes || isSmallBlock(bytes))
+        fillBlock(Zim8u{0}, reinterpret_cast<Zim8u*>(dst), bytes);
     else
-        std::memset(dst, 0, len * sizeof(T));
+        std::memset(dst, 0, bytes);
 }
 
 // The blocks do not overlap.
@@ -42,10 +49,13 @@ template <class T>
 ZIM_INLINE void copyBlock(const T* src, T* dst, std::size_t len)
 {
     const std::size_t bytes = len * sizeof(T);
-    if (bytes >= streamingBytes)
-        streamElements<32>(
-            reinterpret_cast<Zim8u*>(dst), bytes, [](Vec<Zim8u, 32> v) { return v; },
-            reinterpret_cast<const Zim8u*>(src));
+    const auto copy = [](Vec<Zim8u, 32> v) { return v; };
+    const Zim8u* from = reinterpret_cast<const Zim8u*>(src);
+    Zim8u* to = reinterpret_cast<Zim8u*>(dst);
+    if (isSmallBlock(bytes))
+        mapLongRow<32>(to, bytes, copy, from);
+    else if (bytes >= streamingBytes)
+        streamElements<32>(to, bytes, copy, from);
     else
         std::memcpy(dst, src, bytes);
 }

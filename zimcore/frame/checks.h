@@ -20,7 +20,9 @@ constexpr ZimStatus firstFault(Status... checks)
 
 constexpr ZimStatus faultIf(bool broken, ZimStatus status)
 {
-    return broken ? status : ZimStatus{zimStsOk};
+    if (broken) [[unlikely]]
+        return status;
+    return zimStsOk;
 }
 
 template <class... Pointer>

@@ -9,15 +9,18 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
 namespace zimsr {
 
 class RoundToNearest {
 public:
-    RoundToNearest() : callersMode_(controlWord() & modeBits)
+    RoundToNearest()
     {
-        if (callersMode_ != 0) [[unlikely]]
+        if (!roundsToNearest()) [[unlikely]] {
+            callersMode_ = controlWord() & modeBits;
             setMode(0);
+        }
     }
     ~RoundToNearest()
     {
@@ -30,6 +33,16 @@ public:
 private:
     static constexpr std::uint32_t modeBits = 0x6000;  // 0 is to nearest, ties to even
 
+    // To read the control word, the processor waits until every float operation in flight is done: longer than a short
+    // conversion runs. So the mode is told from two sums. Half a unit is added to 1 and to the float above it: to nearest
+    // even, one goes down and the other up; every other mode moves both alike.
+    static bool roundsToNearest()
+    {
+        constexpr float unit = std::numeric_limits<float>::epsilon();
+        float one = 1;
+        __asm__ volatile("" : "+x"(one) : : "memory");
+        return (one + unit + unit / 2) - (one + unit / 2) > unit;
+    }
     static std::uint32_t controlWord()
     {
         std::uint32_t word;
@@ -42,7 +55,7 @@ private:
         __asm__ volatile("ldmxcsr %0" : : "m"(word) : "memory");
     }
 
-    std::uint32_t callersMode_;
+    std::uint32_t callersMode_ = 0;
 };
 
 }  // namespace zimsr

@@ -313,6 +313,19 @@ ZIM_INLINE bool allSet(Vec<T, N> mask)
     return simd_detail::byteSigns(all) == static_cast<int>((std::uint64_t{1} << mask.partBytes) - 1);
 }
 
+// The place of the first lane that is set, N if none is.
+template <class T, int N>
+ZIM_INLINE int firstSet(Vec<T, N> mask)
+{
+    using V = Vec<T, N>;
+    static_assert(V::bytes <= 64);
+    uint64_t bits = 0;
+#pragma GCC unroll 4
+    for (int p = 0; p < V::parts; ++p)
+        bits |= uint64_t{static_cast<uint32_t>(simd_detail::byteSigns(mask.part[p]))} << (p * V::partBytes);
+    return bits == 0 ? N : std::countr_zero(bits) / static_cast<int>(sizeof(T));
+}
+
 // ---- The rest of a row, when less than a vector is left: no byte outside the row is touched
 
 namespace simd_detail {
