@@ -169,5 +169,56 @@ TEST(Conversions, RoundTruncateWidenSaturate)
               (std::vector<int16_t>{-32768, -32768, -1, 0, 1, 32767, 32767, 32767}));
 }
 
+template <class V, int count>
+void expectLowLanes(Random& random)
+{
+    using Lane = typename V::Lane;
+    const auto values = random.vector<Lane>(count, -100, 100);
+    Guarded<Lane> source(values), destination(count);
+    const V v = loadLow<count, V>(source);
+    storeLow<count>(destination.data(), v);
+    EXPECT_TRUE(equalBits(destination.values(), values));
+    for (int i = count; i < V::lanes; ++i)
+        EXPECT_EQ(v[i], Lane{0});
+}
+
+TEST(LowLanes, LoadsAndStoresStayInsideTheRow)
+{
+    Random random(5);
+    expectLowLanes<F4, 2>(random);
+    expectLowLanes<F4, 1>(random);
+    expectLowLanes<S8, 4>(random);
+    expectLowLanes<S8, 2>(random);
+    expectLowLanes<S8, 1>(random);
+}
+
+template <class V>
+class ShortVectors : public testing::Test {};
+using ShortVectorTypes = testing::Types<S8, S16>;
+TYPED_TEST_SUITE(ShortVectors, ShortVectorTypes);
+
+TYPED_TEST(ShortVectors, SaturatingSumsAndExactProducts)
+{
+    using V = TypeParam;
+    Random random(6);
+    for (int i = 0; i < 200; ++i) {
+        const auto values = random.any<int16_t>(4 * V::lanes);
+        const auto vector = [&](int which) { return load<V>(&values[static_cast<std::size_t>(which * V::lanes)]); };
+        const V a = vector(0), b = vector(1), c = vector(2), d = vector(3);
+        const V sum = addSaturated(a, b), difference = subtractSaturated(a, b);
+        const V product = packSaturated(multiplyUnpacked(a, b) >> 14);
+        const V pairs = packSaturated(multiplyAddPairs(unpack(a, b), unpack(c, d)) >> 14);
+        const V joined = packSaturated(unpack(a, b) >> 16);
+        const auto limited = [](int v) { return std::clamp(v, -32768, 32767); };
+        for (int lane = 0; lane < V::lanes; ++lane) {
+            EXPECT_EQ(sum[lane], limited(a[lane] + b[lane]));
+            EXPECT_EQ(difference[lane], limited(a[lane] - b[lane]));
+            EXPECT_EQ(product[lane], limited(a[lane] * b[lane] >> 14));
+            EXPECT_EQ(pairs[lane], limited((a[lane] * c[lane] + b[lane] * d[lane]) >> 14));
+            EXPECT_EQ(joined[lane], b[lane]);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace zimsr::test

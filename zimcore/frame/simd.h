@@ -77,6 +77,10 @@ using U8 = Vec<uint32_t, 8>;
 using UL4 = Vec<uint64_t, 4>;
 using B16 = Vec<uint8_t, 16>;
 
+// As many lanes as one register holds: for work in which no lane meets another, so that their number shows in no result.
+template <class T>
+using Native = Vec<T, registerBytes / static_cast<int>(sizeof(T))>;
+
 namespace simd_detail {
 
 // Applies a function of registers to each part of the operands.
@@ -384,6 +388,32 @@ ZIM_INLINE void storeFirst(T* destination, Vec<T, N> v, int count)
     T lanes[N];
     store(lanes, v);
     std::memcpy(destination, lanes, static_cast<std::size_t>(count) * sizeof(T));
+}
+
+// The same for a count that the compiler knows, 8, 4 or 2 bytes of a 16-byte vector: no dearer than the whole vector.
+template <int count, class V>
+ZIM_INLINE V loadLow(const typename V::Lane* source)
+{
+    constexpr int bytes = count * static_cast<int>(sizeof(typename V::Lane));
+    static_assert(V::bytes == 16 && (bytes == 8 || bytes == 4 || bytes == 2));
+    if constexpr (bytes == 2)
+        return {(typename V::Part)_mm_cvtsi32_si128(static_cast<uint16_t>(*source))};
+    else
+        return {(typename V::Part)simd_detail::loadWords(reinterpret_cast<const char*>(source), bytes / 4)};
+}
+
+template <int count, class T, int N>
+ZIM_INLINE void storeLow(T* destination, Vec<T, N> v)
+{
+    constexpr int bytes = count * static_cast<int>(sizeof(T));
+    static_assert(Vec<T, N>::bytes == 16 && (bytes == 8 || bytes == 4 || bytes == 2));
+    const __m128i low = (__m128i)v.part[0];
+    if constexpr (bytes == 8) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(destination), low);
+    } else {
+        const int word = _mm_cvtsi128_si32(low);
+        std::memcpy(destination, &word, bytes);
+    }
 }
 
 // ---- Memory past the cache, for vectors longer than the cache is worth
@@ -811,6 +841,110 @@ ZIM_INLINE I8 multiplyAddPairs(S16 a, S16 b)
     return {(I8::Part)_mm_madd_epi16((__m128i)a.part[0], (__m128i)b.part[0]),
             (I8::Part)_mm_madd_epi16((__m128i)a.part[1], (__m128i)b.part[1])};
 #endif
+}
+
+// ---- Rows of 16-bit lanes, in as many lanes as are wanted: saturating sums, exact products
+
+namespace simd_detail {
+
+#if defined(__AVX2__)
+#define ZIM_ON_SHORTS(name, narrow, wide)                \
+    template <class Part>                                \
+    ZIM_INLINE Part name(Part x, Part y)                 \
+    {                                                    \
+        if constexpr (sizeof(Part) == 16)                \
+            return (Part)narrow((__m128i)x, (__m128i)y); \
+        else                                             \
+            return (Part)wide((__m256i)x, (__m256i)y);   \
+    }
+#else
+#define ZIM_ON_SHORTS(name, narrow, wide)            \
+    template <class Part>                            \
+    ZIM_INLINE Part name(Part x, Part y)             \
+    {                                                \
+        return (Part)narrow((__m128i)x, (__m128i)y); \
+    }
+#endif
+ZIM_ON_SHORTS(adds, _mm_adds_epi16, _mm256_adds_epi16)
+ZIM_ON_SHORTS(subs, _mm_subs_epi16, _mm256_subs_epi16)
+ZIM_ON_SHORTS(mullo, _mm_mullo_epi16, _mm256_mullo_epi16)
+ZIM_ON_SHORTS(mulhi, _mm_mulhi_epi16, _mm256_mulhi_epi16)
+ZIM_ON_SHORTS(madd, _mm_madd_epi16, _mm256_madd_epi16)
+ZIM_ON_SHORTS(unpacklo, _mm_unpacklo_epi16, _mm256_unpacklo_epi16)
+ZIM_ON_SHORTS(unpackhi, _mm_unpackhi_epi16, _mm256_unpackhi_epi16)
+ZIM_ON_SHORTS(packs, _mm_packs_epi32, _mm256_packs_epi32)
+#undef ZIM_ON_SHORTS
+
+}  // namespace simd_detail
+
+template <int N>
+ZIM_INLINE Vec<int16_t, N> addSaturated(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::adds(x, y); }, a, b);
+}
+
+template <int N>
+ZIM_INLINE Vec<int16_t, N> subtractSaturated(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::subs(x, y); }, a, b);
+}
+
+// 32-bit lanes made of two 16-bit ones, in the order in which registers unpack; packSaturated restores the lanes' own.
+template <int N>
+struct Unpacked {
+    using Half = Vec<int32_t, N / 2>;
+
+    Half low, high;
+
+    ZIM_INLINE Unpacked operator+(Unpacked b) const { return {low + b.low, high + b.high}; }
+    ZIM_INLINE Unpacked operator&(Unpacked b) const { return {low & b.low, high & b.high}; }
+    ZIM_INLINE Unpacked operator|(Unpacked b) const { return {low | b.low, high | b.high}; }
+    ZIM_INLINE Unpacked operator<<(int count) const { return {low << count, high << count}; }
+    ZIM_INLINE Unpacked operator>>(int count) const { return {low >> count, high >> count}; }
+};
+
+template <int N>
+ZIM_INLINE Unpacked<N> splatUnpacked(int32_t value)
+{
+    const auto half = splat<Vec<int32_t, N / 2>>(value);
+    return {half, half};
+}
+
+// 2^16 * upper + lower, lower without its sign.
+template <int N>
+ZIM_INLINE Unpacked<N> unpack(Vec<int16_t, N> lower, Vec<int16_t, N> upper)
+{
+    using Half = typename Unpacked<N>::Half;
+    using Part = typename Half::Part;
+    return {simd_detail::eachPart<Half>([](auto x, auto y) { return (Part)simd_detail::unpacklo(x, y); }, lower, upper),
+            simd_detail::eachPart<Half>([](auto x, auto y) { return (Part)simd_detail::unpackhi(x, y); }, lower, upper)};
+}
+
+// All 32 bits of each product.
+template <int N>
+ZIM_INLINE Unpacked<N> multiplyUnpacked(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    using V = Vec<int16_t, N>;
+    return unpack(simd_detail::eachPart<V>([](auto x, auto y) { return simd_detail::mullo(x, y); }, a, b),
+                  simd_detail::eachPart<V>([](auto x, auto y) { return simd_detail::mulhi(x, y); }, a, b));
+}
+
+// Lower half times lower half plus upper half times upper half, as signed numbers.
+template <int N>
+ZIM_INLINE Unpacked<N> multiplyAddPairs(Unpacked<N> a, Unpacked<N> b)
+{
+    using Half = typename Unpacked<N>::Half;
+    return {simd_detail::eachPart<Half>([](auto x, auto y) { return simd_detail::madd(x, y); }, a.low, b.low),
+            simd_detail::eachPart<Half>([](auto x, auto y) { return simd_detail::madd(x, y); }, a.high, b.high)};
+}
+
+// Saturates each lane to 16 bits.
+template <int N>
+ZIM_INLINE Vec<int16_t, N> packSaturated(Unpacked<N> v)
+{
+    using V = Vec<int16_t, N>;
+    return simd_detail::eachPart<V>([](auto x, auto y) { return (typename V::Part)simd_detail::packs(x, y); }, v.low,
+                                    v.high);
 }
 
 }  // namespace zimsr
