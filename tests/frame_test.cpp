@@ -74,9 +74,11 @@ TEST(Scaling, ShiftRightRoundsHalfToEven)
         for (int i = 0; i < 300; ++i) {
             // Near multiples of half a unit, where the rule decides.
             const long long half = 1LL << (factor - 1);
-            const long long v = random.between<long long>(-1000, 1000) * (factor > 50 ? 1 : half) / 4 + random.between<long long>(-2, 2);
+            const long long v = random.between<long long>(-1000, 1000) * (factor > 50 ? 1 : half) / 4 +
+                                random.between<long long>(-2, 2);
             const long double exact = std::ldexp(static_cast<long double>(v), -factor);
-            EXPECT_EQ(shiftRightHalfEven(v, factor), static_cast<long long>(std::nearbyint(exact))) << v << ' ' << factor;
+            EXPECT_EQ(shiftRightHalfEven(v, factor), static_cast<long long>(std::nearbyint(exact)))
+                << v << ' ' << factor;
         }
     EXPECT_EQ(shiftRightHalfEven(5, 1), 2);
     EXPECT_EQ(shiftRightHalfEven(7, 1), 4);

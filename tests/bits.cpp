@@ -1,0 +1,317 @@
+// Prints a digest of the results of each floating-point family, a line each. Two instruction levels, two pointer widths
+// or two compilers must print the same text.
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <zimsr.h>
+
+namespace {
+
+using Floats = std::vector<Zim32f>;
+using Doubles = std::vector<Zim64f>;
+
+// FNV-1a over the bytes of results.
+class Digest {
+public:
+    template <class T>
+    void add(const std::vector<T>& values)
+    {
+        const auto* bytes = reinterpret_cast<const unsigned char*>(values.data());
+        for (std::size_t i = 0; i < values.size() * sizeof(T); ++i)
+            hash_ = (hash_ ^ bytes[i]) * UINT64_C(1099511628211);
+    }
+    void add(ZimStatus status) { add(std::vector<ZimStatus>{status}); }
+    std::uint64_t value() const { return hash_; }
+
+private:
+    std::uint64_t hash_ = UINT64_C(14695981039346656037);
+};
+
+// Numbers that every build draws alike: multiples of 2^-24 from a linear congruence (Knuth, MMIX).
+class Numbers {
+public:
+    explicit Numbers(std::uint64_t seed) : state_(seed * 2 + 1) {}
+
+    std::int32_t integer() { return static_cast<std::int32_t>(next()); }
+
+    template <class T>
+    std::vector<T> between(int count, double low, double high)
+    {
+        std::vector<T> values;
+        for (int i = 0; i < count; ++i)
+            values.push_back(static_cast<T>(low + (high - low) * (next() >> 8) / 16777216.0));
+        return values;
+    }
+
+private:
+    std::uint32_t next()
+    {
+        state_ = state_ * UINT64_C(6364136223846793005) + UINT64_C(1442695040888963407);
+        return static_cast<std::uint32_t>(state_ >> 32);
+    }
+    std::uint64_t state_;
+};
+
+void report(const std::string& name, const std::function<void(Digest&)>& run)
+{
+    Digest digest;
+    run(digest);
+    std::printf("%-34s %016llx\n", name.c_str(), static_cast<unsigned long long>(digest.value()));
+}
+
+// Runs over lengths that take every path, with arrays at several places in a vector register.
+void overLengths(const std::function<void(int len, int offset)>& run)
+{
+    for (int len = 1; len <= 70; ++len)
+        run(len, len % 4);
+    for (int len : {100, 255, 256, 257, 1000, 4099, 70000})
+        for (int offset = 0; offset < 2; ++offset)
+            run(len, offset);
+}
+
+template <class T>
+using Unary = ZimStatus (*)(const T*, int, T*);
+
+template <class T>
+void reportReduction(const char* name, Unary<T> function, double low, double high)
+{
+    report(name, [&](Digest& digest) {
+        Numbers numbers(1);
+        overLengths([&](int len, int offset) {
+            const auto x = numbers.between<T>(len + offset, low, high);
+            std::vector<T> result(1);
+            digest.add(function(x.data() + offset, len, result.data()));
+            digest.add(result);
+        });
+    });
+}
+
+template <class T, class Result>
+void reportDotProduct(const char* name, ZimStatus (*function)(const T*, const T*, int, Result*), double bound)
+{
+    report(name, [&](Digest& digest) {
+        Numbers numbers(2);
+        overLengths([&](int len, int offset) {
+            const auto x = numbers.between<T>(len + offset, -bound, bound), y = numbers.between<T>(len, -bound, bound);
+            std::vector<Result> result(1);
+            digest.add(function(x.data() + offset, y.data(), len, result.data()));
+            digest.add(result);
+        });
+    });
+}
+
+template <class T>
+void reportElementwise(const char* name, const std::function<ZimStatus(const T*, T*, int)>& function, double low,
+                       double high)
+{
+    report(name, [&](Digest& digest) {
+        Numbers numbers(3);
+        overLengths([&](int len, int offset) {
+            const auto x = numbers.between<T>(len + offset, low, high);
+            auto y = numbers.between<T>(len, low, high);
+            digest.add(function(x.data() + offset, y.data(), len));
+            digest.add(y);
+        });
+    });
+}
+
+void vectors()
+{
+    reportReduction<Zim32f>("zimsMax_32f", zimsMax_32f, -1, 1);
+    reportReduction<Zim32f>("zimsMin_32f", zimsMin_32f, -1, 1);
+    reportReduction<Zim64f>("zimsMax_64f", zimsMax_64f, -1, 1);
+    reportReduction<Zim64f>("zimsMin_64f", zimsMin_64f, -1, 1);
+    reportReduction<Zim32f>("zimsSumLn_32f", zimsSumLn_32f, 1e-9, 100);
+    reportReduction<Zim64f>("zimsSumLn_64f", zimsSumLn_64f, 1e-9, 100);
+    for (int hint : {0, 1})
+        reportReduction<Zim32f>(
+            hint ? "zimsSum_32f fast" : "zimsSum_32f accurate",
+            hint ? [](const Zim32f* x, int len, Zim32f* sum) { return zimsSum_32f(x, len, sum, 1); }
+                 : [](const Zim32f* x, int len, Zim32f* sum) { return zimsSum_32f(x, len, sum, 0); },
+            -1, 1);
+    reportDotProduct("zimsDotProd_32f", zimsDotProd_32f, 1);
+    reportDotProduct("zimsDotProd_64f", zimsDotProd_64f, 1);
+    reportDotProduct("zimsDotProd_32f64f", zimsDotProd_32f64f, 1);
+    reportDotProduct("zimsDotProd_16s32f", zimsDotProd_16s32f, 32767);
+    reportElementwise<Zim32f>("zimsAdd_32f_I", zimsAdd_32f_I, -1, 1);
+    reportElementwise<Zim64f>("zimsSub_64f_I", zimsSub_64f_I, -1, 1);
+    reportElementwise<Zim32f>("zimsDiv_32f_I", zimsDiv_32f_I, 0.01, 1);
+    reportElementwise<Zim32f>(
+        "zimsMulC_32f", [](const Zim32f* x, Zim32f* y, int len) { return zimsMulC_32f(x, 0.3f, y, len); }, -1, 1);
+    reportElementwise<Zim64f>(
+        "zimsDivC_64f", [](const Zim64f* x, Zim64f* y, int len) { return zimsDivC_64f(x, 0.3, y, len); }, -1, 1);
+    reportElementwise<Zim32f>(
+        "zimsLn_32f_I", [](const Zim32f*, Zim32f* y, int len) { return zimsLn_32f_I(y, len); }, 1e-9, 1000);
+    reportElementwise<Zim64f>(
+        "zimsSqrt_64f_I", [](const Zim64f*, Zim64f* y, int len) { return zimsSqrt_64f_I(y, len); }, 0, 1000);
+    report("zimsMagnitude_32fc", [](Digest& digest) {
+        Numbers numbers(4);
+        overLengths([&](int len, int offset) {
+            const auto x = numbers.between<Zim32f>(2 * (len + offset), -1, 1);
+            Floats magnitude(static_cast<std::size_t>(len));
+            digest.add(zimsMagnitude_32fc(reinterpret_cast<const Zim32fc*>(x.data()) + offset, magnitude.data(), len));
+            digest.add(magnitude);
+        });
+    });
+}
+
+void transforms()
+{
+    report("zimsFFTFwd_RToCCS_32f", [](Digest& digest) {
+        for (int order = 0; order <= 19; ++order) {
+            Numbers numbers(5);
+            const int len = 1 << order;
+            ZimsFFTPlan_R_32f* plan = nullptr;
+            digest.add(zimsFFTInitAlloc_R_32f(&plan, order, order % 2 ? 4 : 2, 0));
+            const auto x = numbers.between<Zim32f>(len + 1, -1, 1);
+            Floats ccs(static_cast<std::size_t>(len) + 3), pack(ccs.size()), back(ccs.size());
+            digest.add(zimsFFTFwd_RToCCS_32f(x.data() + 1, ccs.data() + order % 2, plan, nullptr));
+            digest.add(zimsFFTFwd_RToPack_32f(x.data(), pack.data(), plan, nullptr));
+            digest.add(zimsFFTInv_PackToR_32f(pack.data(), back.data(), plan, nullptr));
+            zimsFFTFree_R_32f(plan);
+            digest.add(ccs);
+            digest.add(pack);
+            digest.add(back);
+        }
+    });
+    report("zimsAutoCorr_32f", [](Digest& digest) {
+        Numbers numbers(6);
+        for (int len : {1, 2, 7, 8, 9, 31, 100, 400, 855, 900, 2000}) {
+            const auto x = numbers.between<Zim32f>(len, -1, 1);
+            Floats correlation(1000);
+            digest.add(zimsAutoCorr_32f(x.data(), len, correlation.data(), 1000));
+            digest.add(correlation);
+        }
+    });
+}
+
+template <class T, class Call>
+void reportScores(const char* name, Call call)
+{
+    report(name, [&](Digest& digest) {
+        Numbers numbers(7);
+        for (int width = 1; width <= 70; ++width)
+            for (int height : {1, 2, 4, 7}) {
+                const int step = width + width % 3;
+                const auto mat = numbers.between<T>(step * height, -4, 4),
+                           mean = numbers.between<T>(step * height, -4, 4),
+                           invVar = numbers.between<T>(step * height, 0.1, 4);
+                auto result = numbers.between<T>(height, -3, 3);
+                digest.add(call(mat.data(), step, mean.data(), invVar.data(), width, result.data(), height));
+                digest.add(result);
+            }
+    });
+}
+
+void scores()
+{
+    reportScores<Zim32f>("zimsLogGauss_32f_D2",
+                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
+                             return zimsLogGauss_32f_D2(mat, step, mean, invVar, width, result, height, -1.3f);
+                         });
+    reportScores<Zim64f>("zimsLogGauss_64f_D2",
+                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
+                             return zimsLogGauss_64f_D2(mat, step, mean, invVar, width, result, height, -1.3);
+                         });
+    reportScores<Zim32f>("zimsLogGauss_IdVar_32f_D2",
+                         [](auto mat, auto step, auto mean, auto, auto width, auto result, auto height) {
+                             return zimsLogGauss_IdVar_32f_D2(mat, step, mean, width, result, height, -1.3f);
+                         });
+    reportScores<Zim64f>("zimsLogGauss_IdVar_64f_D2",
+                         [](auto mat, auto step, auto mean, auto, auto width, auto result, auto height) {
+                             return zimsLogGauss_IdVar_64f_D2(mat, step, mean, width, result, height, -1.3);
+                         });
+    reportScores<Zim32f>("zimsLogGaussMultiMix_32f_D2",
+                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
+                             return zimsLogGaussMultiMix_32f_D2(mean, invVar, step, mat, width, result, height);
+                         });
+    reportScores<Zim64f>("zimsLogGaussMultiMix_64f_D2",
+                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
+                             return zimsLogGaussMultiMix_64f_D2(mean, invVar, step, mat, width, result, height);
+                         });
+    reportScores<Zim32f>("zimsLogGaussSingle_32f",
+                         [](auto mat, auto, auto mean, auto invVar, auto width, auto result, auto) {
+                             return zimsLogGaussSingle_32f(mat, mean, invVar, width, result, -1.3f);
+                         });
+    reportScores<Zim32f>("zimsLogGaussSingle_DirectVar_32f",
+                         [](auto mat, auto, auto mean, auto var, auto width, auto result, auto) {
+                             return zimsLogGaussSingle_DirectVar_32f(mat, mean, var, width, result, -1.3f);
+                         });
+    reportScores<Zim64f>("zimsLogGaussSingle_DirectVar_64f",
+                         [](auto mat, auto, auto mean, auto var, auto width, auto result, auto) {
+                             return zimsLogGaussSingle_DirectVar_64f(mat, mean, var, width, result, -1.3);
+                         });
+    reportScores<Zim64f>("zimsLogGaussSingle_IdVar_64f",
+                         [](auto mat, auto, auto mean, auto, auto width, auto result, auto) {
+                             return zimsLogGaussSingle_IdVar_64f(mat, mean, width, result, -1.3);
+                         });
+}
+
+void frontEnd()
+{
+    report("zimsEvalFBank_32f", [](Digest& digest) {
+        Numbers numbers(8);
+        for (int flags : {1, 2, 5, 6}) {
+            ZimsFBankState_32f* bank = nullptr;
+            int order;
+            digest.add(zimsMelFBankInitAlloc_32f(&bank, &order, 400, 16000, 64, 8000, 26, 1127, 700, flags));
+            const auto x = numbers.between<Zim32f>(512, -1, 1);
+            Floats energies(26);
+            digest.add(zimsEvalFBank_32f(x.data(), energies.data(), bank));
+            digest.add(energies);
+            zimsFBankFree_32f(bank);
+            zimsFree(bank);
+        }
+    });
+    report("zimsDCTLifter_32f", [](Digest& digest) {
+        Numbers numbers(9);
+        for (int len = 1; len <= 40; ++len)
+            for (int cepstra : {1, (len + 1) / 2, len}) {
+                ZimsDCTLifterState_32f* state = nullptr;
+                digest.add(zimsDCTLifterInitAlloc_C0_32f(&state, len, cepstra, 22, 0.3f, 0.7f));
+                const auto x = numbers.between<Zim32f>(len, -5, 5);
+                Floats result(static_cast<std::size_t>(cepstra) + 1);
+                digest.add(zimsDCTLifter_32f(x.data(), result.data(), state));
+                digest.add(result);
+                zimsDCTLifterFree_32f(state);
+                zimsFree(state);
+            }
+    });
+    report("zimsMelToLinear_32f", [](Digest& digest) {
+        Numbers numbers(10);
+        const auto mel = numbers.between<Zim32f>(1001, 0, 4000);
+        Floats hertz(mel.size()), back(mel.size());
+        digest.add(zimsMelToLinear_32f(mel.data(), hertz.data(), 1001, 1127, 700));
+        digest.add(zimsLinearToMel_32f(hertz.data(), back.data(), 1001, 1127, 700));
+        digest.add(hertz);
+        digest.add(back);
+    });
+    report("delta features", [](Digest& digest) {
+        Numbers numbers(11);
+        for (int width = 1; width <= 40; ++width) {
+            const auto x = numbers.between<Zim32f>(14 * width, -5, 5);
+            Floats deltas(static_cast<std::size_t>(14 * 3 * width));
+            digest.add(zimsDeltaDelta_Win1_32f_D2(x.data(), width, deltas.data(), 3 * width, 14, 0.5f, 0.3f, 3));
+            digest.add(deltas);
+            digest.add(zimsDeltaDelta_Win2_32f_D2(x.data(), width, deltas.data(), 3 * width, 14, 0.1f, 0.3f, 3));
+            digest.add(deltas);
+        }
+        const auto x = numbers.between<Zim32f>(14 * 20, -5, 5);
+        Floats aurora(39 * 20);
+        digest.add(zimsDeltaDelta_Aurora_32f_D2(x.data(), aurora.data(), 39, 20, 3));
+        digest.add(aurora);
+    });
+}
+
+}  // namespace
+
+int main()
+{
+    vectors();
+    transforms();
+    scores();
+    frontEnd();
+}
