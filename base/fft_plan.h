@@ -37,6 +37,9 @@ inline constexpr Zim32u fftIdentity_16s32s = 0x4C4D5364;
 // Below this order a transform is straight-line arithmetic, without tables and without a buffer.
 inline constexpr int firstTabledOrder = 4;
 
+// Up to this order the half-length complex signal fits the buffer.
+inline constexpr int lastBufferedOrder = 17;
+
 enum class SpectrumFormat { ccs, pack };
 
 constexpr ZimStatus badFftOrder(int order)

@@ -43,13 +43,17 @@ endfunction()
 zimsr_shared(zimsr "${ZIMSR_BASELINE_FLAGS}" "${ZIMSR_LIBRARY_DIR}")
 add_library(zimsr::zimsr ALIAS zimsr)
 
+# g++'s vectoriser fuses multiplications and additions in spite of -ffp-contract=off. It has the instructions from FMA,
+# and from AVX-512 even without FMA, where only the vectoriser itself can go; the kernels are written in vectors anyway.
+set(ZIMSR_UNFUSED_x86-64-v3 -mno-fma)
+set(ZIMSR_UNFUSED_x86-64-v4 -mno-fma -fno-tree-vectorize)
+
 set(ZIMSR_BUILT_LEVELS)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8 AND NOT ZIMSR_SANITIZE)
   set(ZIMSR_BUILT_LEVELS ${ZIMSR_LEVELS})
 endif()
 foreach(level IN LISTS ZIMSR_BUILT_LEVELS)
-  # Without fused multiply-add, which g++'s vectoriser uses in spite of -ffp-contract=off.
-  zimsr_shared(zimsr-${level} "-march=${level};-mno-fma" "${ZIMSR_LIBRARY_DIR}/glibc-hwcaps/${level}")
+  zimsr_shared(zimsr-${level} "-march=${level};${ZIMSR_UNFUSED_${level}}" "${ZIMSR_LIBRARY_DIR}/glibc-hwcaps/${level}")
 endforeach()
 
 if(ZIMSR_STATIC)

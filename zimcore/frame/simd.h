@@ -439,7 +439,13 @@ ZIM_INLINE void fenceStores()
     _mm_sfence();
 }
 
-// Brings the line of an address near for one use; any address will do.
+// Brings the line of an address near; any address will do.
+ZIM_INLINE void prefetch(const void* address)
+{
+    _mm_prefetch(static_cast<const char*>(address), _MM_HINT_T0);
+}
+
+// The same for one use.
 ZIM_INLINE void prefetchOnce(const void* address)
 {
     _mm_prefetch(static_cast<const char*>(address), _MM_HINT_NTA);
@@ -498,6 +504,23 @@ template <int... pick, class T, int N>
 ZIM_INLINE Vec<T, N> shuffle(Vec<T, N> a)
 {
     return shuffle<pick...>(a, a);
+}
+
+// The same within each group of four lanes: lane i of a group is lane pick[i] of a's group followed by b's.
+template <int first, int second, int third, int fourth, class T, int N>
+ZIM_INLINE Vec<T, N> shuffleFours(Vec<T, N> a, Vec<T, N> b)
+{
+    using V = Vec<T, N>;
+    return simd_detail::eachPart<V>(
+        [](auto x, auto y) {
+            constexpr auto wide = [](int pick) { return pick < 4 ? pick : pick + 4; };
+            if constexpr (V::partLanes == 4)
+                return __builtin_shufflevector(x, y, first, second, third, fourth);
+            else
+                return __builtin_shufflevector(x, y, wide(first), wide(second), wide(third), wide(fourth), wide(first) + 4,
+                                               wide(second) + 4, wide(third) + 4, wide(fourth) + 4);
+        },
+        a, b);
 }
 
 template <class T, int N>
