@@ -16,6 +16,7 @@
 #include <zimsr/extremes.h>
 #include <zimsr/fft.h>
 #include <zimsr/logarithm.h>
+#include <zimsr/logdomain.h>
 #include <zimsr/loggauss.h>
 #include <zimsr/melfbank.h>
 #include <zimsr/memory.h>

@@ -93,6 +93,34 @@ TEST(Reinterpret, KeepsBitsOverSeveralRegisters)
     EXPECT_EQ(lanesOf(reinterpret<D8>(bits)), doubles);
 }
 
+template <class V>
+void expectPicksOneOfThree()
+{
+    using Lane = typename V::Lane;
+    using Mask = typename V::Mask;
+    alignas(32) const Lane values[4] = {Lane(-1.5), Lane(2.25), Lane(1e30), 0};
+    for (int first = 0; first <= V::lanes; ++first)
+        for (int second = 0; second <= first; ++second) {
+            const OneOfThree<V> choice(firstLanes<V>(first), firstLanes<V>(second));
+            const V picked = choice(values);
+            for (int i = 0; i < V::lanes; ++i)
+                EXPECT_EQ(picked[i], values[i < second ? 2 : i < first ? 1 : 0]);
+            EXPECT_EQ(allSet(firstLanes<V>(first)), first == V::lanes);
+            EXPECT_EQ(anySet(firstLanes<V>(first)), first != 0);
+            EXPECT_FALSE(allSet(~firstLanes<V>(1) & splat<Mask>(-1)));
+        }
+}
+
+TEST(Selection, OneOfThreeValuesForEachLane)
+{
+    expectPicksOneOfThree<F4>();
+    expectPicksOneOfThree<F8>();
+    expectPicksOneOfThree<Vec<float, 16>>();
+    expectPicksOneOfThree<D2>();
+    expectPicksOneOfThree<D4>();
+    expectPicksOneOfThree<D8>();
+}
+
 TEST(Shuffle, PicksLanesOfBothOperands)
 {
     const F8 a = laneIndex<F8>(), b = a + splat<F8>(8);

@@ -550,6 +550,64 @@ ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
     return whole;
 }
 
+// ---- One of three values for each lane: the first, or the second where beyondFirst is set, or the third where
+// beyondSecond is set as well. The values stand in memory, four places aligned to their size.
+
+template <class V>
+class OneOfThree {
+    using Lane = typename V::Lane;
+    using Mask = typename V::Mask;
+
+public:
+#if defined(__AVX2__)
+    // Index of a lane's value. The processor picks 32-bit words by it, so that a double takes two of them.
+    ZIM_INLINE OneOfThree(Mask beyondFirst, Mask beyondSecond)
+    {
+        using Words = Vec<int32_t, V::bytes / 4>;
+        const Words down = std::bit_cast<Words>(beyondFirst) + std::bit_cast<Words>(beyondSecond);
+        if constexpr (sizeof(Lane) == 4)
+            index_ = -down;
+        else
+            index_ = std::bit_cast<Words>(splat<Mask>(int64_t{1} << 32)) - (down + down);
+    }
+
+    ZIM_INLINE V operator()(const Lane* values) const
+    {
+        return simd_detail::eachPart<V>(
+            [values](auto index) {
+                if constexpr (sizeof(Lane) == 4 && V::partBytes == 16)
+                    return (typename V::Part)_mm_permutevar_ps(_mm_load_ps(values), (__m128i)index);
+                else if constexpr (sizeof(Lane) == 4)
+                    return (typename V::Part)_mm256_permutevar_ps(
+                        _mm256_broadcast_ps(reinterpret_cast<const __m128*>(values)), (__m256i)index);
+                else if constexpr (V::partBytes == 16)
+                    return (typename V::Part)_mm256_castps256_ps128(
+                        _mm256_permutevar8x32_ps(_mm256_castpd_ps(_mm256_load_pd(values)),
+                                                 _mm256_castsi128_si256((__m128i)index)));
+                else
+                    return (typename V::Part)_mm256_permutevar8x32_ps(_mm256_castpd_ps(_mm256_load_pd(values)),
+                                                                      (__m256i)index);
+            },
+            index_);
+    }
+
+private:
+    Vec<int32_t, V::bytes / 4> index_;
+#else
+    ZIM_INLINE OneOfThree(Mask beyondFirst, Mask beyondSecond) : beyondFirst_(beyondFirst), beyondSecond_(beyondSecond)
+    {
+    }
+
+    ZIM_INLINE V operator()(const Lane* values) const
+    {
+        return select(beyondSecond_, splat<V>(values[2]), select(beyondFirst_, splat<V>(values[1]), splat<V>(values[0])));
+    }
+
+private:
+    Mask beyondFirst_, beyondSecond_;
+#endif
+};
+
 // ---- Sums across lanes: the library's one tree. The upper half is added to the lower until four lanes are left for
 // floats (two for doubles), then neighbours are added.
 
@@ -689,10 +747,11 @@ ZIM_INLINE D2 sumLanesOfTwo(D4 a, D4 b)
 // are zeros.
 
 #if defined(__AVX2__)
-#define ZIM_ON_PARTS(name, V, narrow, wide)                                       \
-    template <class... Vector>                                                    \
-    ZIM_INLINE V name(V first, Vector... rest)                                    \
+#define ZIM_ON_PARTS(name, Lane, narrow, wide)                                    \
+    template <int N, class... Vector>                                             \
+    ZIM_INLINE Vec<Lane, N> name(Vec<Lane, N> first, Vector... rest)              \
     {                                                                             \
+        using V = Vec<Lane, N>;                                                   \
         return simd_detail::eachPart<V>(                                          \
             [](auto... part) {                                                    \
                 if constexpr (V::partBytes == 16)                                 \
@@ -703,28 +762,21 @@ ZIM_INLINE D2 sumLanesOfTwo(D4 a, D4 b)
             first, rest...);                                                      \
     }
 #else
-#define ZIM_ON_PARTS(name, V, narrow, wide)                                                                       \
-    template <class... Vector>                                                                                    \
-    ZIM_INLINE V name(V first, Vector... rest)                                                                    \
+#define ZIM_ON_PARTS(name, Lane, narrow, wide)                                                                    \
+    template <int N, class... Vector>                                                                             \
+    ZIM_INLINE Vec<Lane, N> name(Vec<Lane, N> first, Vector... rest)                                              \
     {                                                                                                             \
+        using V = Vec<Lane, N>;                                                                                   \
         return simd_detail::eachPart<V>([](auto... part) { return (typename V::Part)narrow(part...); }, first, rest...); \
     }
 #endif
 
-ZIM_ON_PARTS(sqrt, F4, _mm_sqrt_ps, _mm256_sqrt_ps)
-ZIM_ON_PARTS(sqrt, F8, _mm_sqrt_ps, _mm256_sqrt_ps)
-ZIM_ON_PARTS(sqrt, D2, _mm_sqrt_pd, _mm256_sqrt_pd)
-ZIM_ON_PARTS(sqrt, D4, _mm_sqrt_pd, _mm256_sqrt_pd)
-ZIM_ON_PARTS(min, F4, _mm_min_ps, _mm256_min_ps)
-ZIM_ON_PARTS(min, F8, _mm_min_ps, _mm256_min_ps)
-ZIM_ON_PARTS(min, D2, _mm_min_pd, _mm256_min_pd)
-ZIM_ON_PARTS(min, D4, _mm_min_pd, _mm256_min_pd)
-ZIM_ON_PARTS(min, D8, _mm_min_pd, _mm256_min_pd)
-ZIM_ON_PARTS(max, F4, _mm_max_ps, _mm256_max_ps)
-ZIM_ON_PARTS(max, F8, _mm_max_ps, _mm256_max_ps)
-ZIM_ON_PARTS(max, D2, _mm_max_pd, _mm256_max_pd)
-ZIM_ON_PARTS(max, D4, _mm_max_pd, _mm256_max_pd)
-ZIM_ON_PARTS(max, D8, _mm_max_pd, _mm256_max_pd)
+ZIM_ON_PARTS(sqrt, float, _mm_sqrt_ps, _mm256_sqrt_ps)
+ZIM_ON_PARTS(sqrt, double, _mm_sqrt_pd, _mm256_sqrt_pd)
+ZIM_ON_PARTS(min, float, _mm_min_ps, _mm256_min_ps)
+ZIM_ON_PARTS(min, double, _mm_min_pd, _mm256_min_pd)
+ZIM_ON_PARTS(max, float, _mm_max_ps, _mm256_max_ps)
+ZIM_ON_PARTS(max, double, _mm_max_pd, _mm256_max_pd)
 #undef ZIM_ON_PARTS
 
 // ---- Conversions
@@ -770,6 +822,40 @@ ZIM_INLINE F4 narrow(D4 v)
 #else
     return {_mm_movelh_ps(_mm_cvtpd_ps(v.part[0]), _mm_cvtpd_ps(v.part[1]))};
 #endif
+}
+
+// Longer vectors, register by register.
+template <int N>
+requires(N > 4) ZIM_INLINE Vec<double, N> widen(Vec<float, N> v)
+{
+    Vec<double, N> result;
+#pragma GCC unroll 4
+    for (int p = 0; p < Vec<float, N>::parts; ++p) {
+#if defined(__AVX2__)
+        result.part[2 * p] = _mm256_cvtps_pd(_mm256_castps256_ps128(v.part[p]));
+        result.part[2 * p + 1] = _mm256_cvtps_pd(_mm256_extractf128_ps(v.part[p], 1));
+#else
+        result.part[2 * p] = _mm_cvtps_pd(v.part[p]);
+        result.part[2 * p + 1] = _mm_cvtps_pd(_mm_movehl_ps(v.part[p], v.part[p]));
+#endif
+    }
+    return result;
+}
+
+template <int N>
+requires(N > 4) ZIM_INLINE Vec<float, N> narrow(Vec<double, N> v)
+{
+    Vec<float, N> result;
+#pragma GCC unroll 4
+    for (int p = 0; p < Vec<float, N>::parts; ++p) {
+#if defined(__AVX2__)
+        result.part[p] = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps(v.part[2 * p])),
+                                              _mm256_cvtpd_ps(v.part[2 * p + 1]), 1);
+#else
+        result.part[p] = _mm_movelh_ps(_mm_cvtpd_ps(v.part[2 * p]), _mm_cvtpd_ps(v.part[2 * p + 1]));
+#endif
+    }
+    return result;
 }
 
 ZIM_INLINE I8 widen(S8 v)

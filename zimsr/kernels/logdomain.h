@@ -1,0 +1,198 @@
+// Sums of probabilities that are held as logarithms: ln(exp(a) + exp(b)) = hi + c(lo - hi), where the correction
+// c(d) = ln(1 + exp(d)) is a polynomial on each of three segments. Lanes find their segment without a branch.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include <zimsr/types.h>
+
+#include "base/kernels/arithmetic.h"
+#include "base/kernels/convert.h"
+#include "base/kernels/elementwise.h"
+#include "zimcore/frame/scaling.h"
+#include "zimcore/frame/simd.h"
+#include "zimsr/kernels/logdomain_tables.h"
+
+namespace zimsr {
+
+// ---- The two levels of precision
+
+struct FloatLevel {
+    static constexpr Zim64f zero = ZIMSLOGZERO_F, small = ZIMSLOGSMALL_F, negligible = ZIMSMINLOGEXP_F;
+    static constexpr std::array origins = {0.0, INT_S1_F, INT_S2_F};
+    static constexpr std::array polynomials = {P1_F, P2_F, P3_F};
+};
+
+struct DoubleLevel {
+    static constexpr Zim64f zero = LOGZERO, small = LOGSMALL, negligible = MINLOGEXP;
+    static constexpr std::array origins = {0.0, INT_S1, INT_S2};
+    static constexpr std::array polynomials = {P1, P2, P3};
+};
+
+// The three segments' values of one coefficient side by side, in the precision of the lanes.
+template <class Lane>
+struct alignas(4 * sizeof(Lane)) BySegment {
+    Lane values[4];
+};
+
+template <class Level, class Lane>
+inline constexpr BySegment<Lane> segmentOrigins = {
+    {Lane(Level::origins[0]), Lane(Level::origins[1]), Lane(Level::origins[2])}};
+
+template <class Level, class Lane>
+inline constexpr auto segmentCoefficients = [] {
+    constexpr std::size_t count = Level::polynomials[0].size();
+    std::array<BySegment<Lane>, count> table{};
+    for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t segment = 0; segment < 3; ++segment)
+            table[i].values[segment] = static_cast<Lane>(Level::polynomials[segment][i]);
+    return table;
+}();
+
+// ---- ln(exp(a) + exp(b))
+
+// The segment's polynomial in t, by Horner's rule, whose roundings grow least here. The loop stays a loop: unrolled,
+// the compiler would evaluate one register after the other, and the processor would wait for each.
+template <class Level, class V>
+ZIM_INLINE V segmentPolynomial(const OneOfThree<V>& segment, V t)
+{
+    constexpr auto& coefficients = segmentCoefficients<Level, typename V::Lane>;
+    V value = segment(coefficients[0].values);
+#pragma GCC unroll 1
+    for (std::size_t i = 1; i < coefficients.size(); ++i)
+        value = value * t + segment(coefficients[i].values);
+    return value;
+}
+
+template <class Level, class V>
+ZIM_INLINE V logAdd(V a, V b)
+{
+    using Lane = typename V::Lane;
+    const auto constant = [](Zim64f value) { return splat<V>(static_cast<Lane>(value)); };
+    const V greater = max(a, b);
+    const V difference = min(a, b) - greater;
+    const auto negligible = difference < constant(Level::negligible);
+    const V alone = select(greater < constant(Level::small), constant(Level::zero), greater);
+    if (allSet(negligible))
+        return alone;
+    const OneOfThree<V> segment(difference <= constant(Level::origins[1]), difference <= constant(Level::origins[2]));
+    const V t = difference - segment(segmentOrigins<Level, Lane>.values);
+    // A lane far below is selected away: its polynomial may have overflowed.
+    return select(negligible, alone, greater + segmentPolynomial<Level>(segment, t));
+}
+
+// One pair in 80-bit extended precision, at float level.
+inline Zim32f logAddExtended(Zim32f a, Zim32f b)
+{
+    const long double greater = std::max(b, a), difference = std::min(b, a) - greater;
+    if (difference < ZIMSMINLOGEXP_F)
+        return static_cast<Zim32f>(greater < ZIMSLOGSMALL_F ? ZIMSLOGZERO_F : greater);
+    const Zim64f* p[3];
+    GetLogAddConst_F(&p[0], &p[1], &p[2]);
+    const std::size_t segment = std::size_t{difference <= INT_S1_F} + std::size_t{difference <= INT_S2_F};
+    const Zim64f* c = p[segment];
+    const long double t = difference - FloatLevel::origins[segment], square = t * t;
+    long double even = c[0], odd = c[1];
+    for (std::size_t i = 2; i < 10; i += 2) {
+        even = even * square + c[i];
+        odd = odd * square + c[i + 1];
+    }
+    even = even * square + c[10];
+    return static_cast<Zim32f>(greater + (even + odd * t));
+}
+
+// ---- Vectors, element by element: srcDst[i] = logAdd(src[i], srcDst[i])
+
+struct LogAddFast {
+    template <int N>
+    ZIM_INLINE Vec<Zim32f, N> operator()(Vec<Zim32f, N> a, Vec<Zim32f, N> b) const
+    {
+        return logAdd<FloatLevel>(a, b);
+    }
+};
+
+struct LogAddAccurate {
+    template <int N>
+    ZIM_INLINE Vec<Zim32f, N> operator()(Vec<Zim32f, N> a, Vec<Zim32f, N> b) const
+    {
+        return narrow(logAdd<FloatLevel>(widen(a), widen(b)));
+    }
+};
+
+struct LogAddDouble {
+    template <int N>
+    ZIM_INLINE Vec<Zim64f, N> operator()(Vec<Zim64f, N> a, Vec<Zim64f, N> b) const
+    {
+        return logAdd<DoubleLevel>(a, b);
+    }
+};
+
+// Long vectors go by four registers of Lane, whose polynomials hide each other's waits.
+template <class Lane, class Add, class T>
+inline void addElements(Add add, const T* src, T* srcDst, std::size_t len)
+{
+    constexpr int lanes = registerBytes / static_cast<int>(sizeof(Lane));
+    if (len >= 4 * lanes)
+        mapLongRow<4 * lanes>(srcDst, len, add, src, srcDst);
+    else
+        mapElements<4>(srcDst, len, add, src, srcDst);
+}
+
+inline void logAddFast(const Zim32f* src, Zim32f* srcDst, std::size_t len)
+{
+    addElements<Zim32f>(LogAddFast{}, src, srcDst, len);
+}
+
+inline void logAddAccurate(const Zim32f* src, Zim32f* srcDst, std::size_t len)
+{
+    addElements<Zim64f>(LogAddAccurate{}, src, srcDst, len);
+}
+
+inline void logAddExtended(const Zim32f* src, Zim32f* srcDst, std::size_t len)
+{
+    for (std::size_t i = 0; i < len; ++i)
+        srcDst[i] = logAddExtended(src[i], srcDst[i]);
+}
+
+inline void logAddDouble(const Zim64f* src, Zim64f* srcDst, std::size_t len)
+{
+    addElements<Zim64f>(LogAddDouble{}, src, srcDst, len);
+}
+
+// ---- The sum of a vector: as many running values as V has lanes, merged at the end; one for a short vector
+
+template <class Level, class V>
+inline typename V::Lane logSum(const typename V::Lane* src, std::size_t len)
+{
+    constexpr std::size_t lanes = V::lanes;
+    V sum = splat<V>(src[0]);
+    std::size_t i = 1;
+    if (len >= 2 * lanes) {
+        sum = load<V>(src);
+        for (i = lanes; i + lanes <= len; i += lanes)
+            sum = logAdd<Level>(load<V>(src + i), sum);
+        if constexpr (lanes == 4)
+            sum = logAdd<Level>(shuffle<2, 3, 2, 3>(sum), shuffle<0, 1, 0, 1>(sum));
+        if constexpr (lanes == 4)
+            sum = logAdd<Level>(shuffle<1, 1, 1, 1>(sum), shuffle<0, 0, 0, 0>(sum));
+        else
+            sum = logAdd<Level>(shuffle<1, 1>(sum), shuffle<0, 0>(sum));
+    }
+    for (; i < len; ++i)
+        sum = logAdd<Level>(splat<V>(src[i]), sum);
+    return sum[0];
+}
+
+inline Zim32f logSum(const Zim32f* src, std::size_t len)
+{
+    return logSum<FloatLevel, F4>(src, len);
+}
+
+inline Zim64f logSum(const Zim64f* src, std::size_t len)
+{
+    return logSum<DoubleLevel, D2>(src, len);
+}
+
+}  // namespace zimsr
