@@ -1,0 +1,105 @@
+// Moving lanes: within a vector, between two, and into halves.
+#pragma once
+
+#include "zimcore/frame/simd/operators.h"
+
+namespace zimsr {
+
+namespace simd_detail {
+
+template <class V, int first, class Pick, std::size_t... lane>
+ZIM_INLINE typename V::Part pickPart(const V& a, const V& b, Pick pick, std::index_sequence<lane...>)
+{
+    constexpr int sources = 2 * V::parts;
+    if constexpr (sources == 2) {
+        return __builtin_shufflevector(a.part[0], b.part[0], pick(first + static_cast<int>(lane))...);
+    } else {
+        // A register of the result draws on at most four source registers: two picks, then a blend.
+        static_assert(sources == 4);
+        constexpr int width = V::partLanes;
+        auto low = __builtin_shufflevector(a.part[0], a.part[1], (pick(first + static_cast<int>(lane)) % (2 * width))...);
+        auto high = __builtin_shufflevector(b.part[0], b.part[1], (pick(first + static_cast<int>(lane)) % (2 * width))...);
+        constexpr bool allLow = ((pick(first + static_cast<int>(lane)) < 2 * width) && ...);
+        constexpr bool allHigh = ((pick(first + static_cast<int>(lane)) >= 2 * width) && ...);
+        if constexpr (allLow)
+            return low;
+        else if constexpr (allHigh)
+            return high;
+        else
+            return __builtin_shufflevector(low, high,
+                                           (static_cast<int>(lane) +
+                                            (pick(first + static_cast<int>(lane)) < 2 * width ? 0 : width))...);
+    }
+}
+
+}  // namespace simd_detail
+
+// Lane i of the result is lane pick[i] of a followed by b.
+template <int... pick, class T, int N>
+ZIM_INLINE Vec<T, N> shuffle(Vec<T, N> a, Vec<T, N> b)
+{
+    using V = Vec<T, N>;
+    static_assert(sizeof...(pick) == N);
+    constexpr auto at = [](int i) constexpr {
+        constexpr int picks[] = {pick...};
+        return picks[i];
+    };
+    constexpr std::make_index_sequence<static_cast<std::size_t>(V::partLanes)> lanes;
+    V result;
+    result.part[0] = simd_detail::pickPart<V, 0>(a, b, at, lanes);
+    if constexpr (V::parts == 2)
+        result.part[1] = simd_detail::pickPart<V, V::partLanes>(a, b, at, lanes);
+    return result;
+}
+
+template <int... pick, class T, int N>
+ZIM_INLINE Vec<T, N> shuffle(Vec<T, N> a)
+{
+    return shuffle<pick...>(a, a);
+}
+
+// The same within each group of four lanes: lane i of a group is lane pick[i] of a's group followed by b's.
+template <int first, int second, int third, int fourth, class T, int N>
+ZIM_INLINE Vec<T, N> shuffleFours(Vec<T, N> a, Vec<T, N> b)
+{
+    using V = Vec<T, N>;
+    return simd_detail::eachPart<V>(
+        [](auto x, auto y) {
+            constexpr auto wide = [](int pick) { return pick < 4 ? pick : pick + 4; };
+            if constexpr (V::partLanes == 4)
+                return __builtin_shufflevector(x, y, first, second, third, fourth);
+            else
+                return __builtin_shufflevector(x, y, wide(first), wide(second), wide(third), wide(fourth), wide(first) + 4,
+                                               wide(second) + 4, wide(third) + 4, wide(fourth) + 4);
+        },
+        a, b);
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N / 2> lowHalf(Vec<T, N> v)
+{
+    return simd_detail::halfFrom<0>(v);
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, N / 2> highHalf(Vec<T, N> v)
+{
+    return simd_detail::halfFrom<N / 2>(v);
+}
+
+template <class T, int N>
+ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
+{
+    Vec<T, 2 * N> whole;
+    if constexpr (whole.parts == 1)
+        whole.part[0] = simd_detail::joinedLanes(low.part[0], high.part[0], std::make_index_sequence<2 * N>{});
+    else
+#pragma GCC unroll 4
+        for (int p = 0; p < low.parts; ++p) {
+            whole.part[p] = low.part[p];
+            whole.part[low.parts + p] = high.part[p];
+        }
+    return whole;
+}
+
+}  // namespace zimsr
