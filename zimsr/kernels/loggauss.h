@@ -97,7 +97,7 @@ StoreScores(T*) -> StoreScores<T>;
 template <class Term, class Finish, class Score, class... T>
 ZIM_INLINE Score scoreVector(int len, Score gconst, const T*... operands)
 {
-    return Finish{}(gconst, sumRow<Term>(len, operands...));
+    return Finish{}(gconst, sumRow(Term{}, len, operands...));
 }
 
 // Eight rows side by side want sixteen registers of a whole vector each.
@@ -112,7 +112,8 @@ template <class Term, class Finish, class T, class Keep, class... Variance>
     const auto deliver = [=](std::ptrdiff_t r, auto sums) {
         keepScores(r, Finish{}(splat<decltype(sums)>(gconst), sums));
     };
-    sumRows<Term>(FrameGroups<typename Term::Sum>{}, height, width, deliver, Shared{mean}, frames, Shared{variance}...);
+    sumRows(Term{}, FrameGroups<typename Term::Sum>{}, height, width, deliver, Shared{mean}, frames,
+            Shared{variance}...);
 }
 
 // The same, but the constant comes first, and the terms are subtracted from it in their order.
@@ -137,7 +138,7 @@ template <class Term, class Finish, class T, class Keep, class... Model>
     const auto deliver = [=](std::ptrdiff_t r, auto sums) {
         keepScores(r, Finish{}(load<decltype(sums)>(constants + r), sums));
     };
-    sumRows<Term>(Groups<4, 1>{}, height, width, deliver, Shared{frame}, model...);
+    sumRows(Term{}, Groups<4, 1>{}, height, width, deliver, Shared{frame}, model...);
 }
 
 }  // namespace zimsr

@@ -2,8 +2,8 @@
 // summed in one order, whatever group it is in: Sum::lanes partial sums, one for each place in a vector, then the tree
 // of sumLanes.
 //
-// A term is a function object that takes a vector of each operand and gives a Term::Sum. An operand is the Rows of a
-// matrix, or a vector that all rows share.
+// A term is a function object that takes a vector of each operand and gives a Term::Sum; one that needs more has an
+// overload of sumTerms of its own. An operand is the Rows of a matrix, or a vector that all rows share.
 #pragma once
 
 #include <cstddef>
@@ -60,10 +60,9 @@ ZIM_INLINE Vec<T, lanes> loadFirstLanes(const T* source, int count)
 
 // The partial sums of count rows.
 template <class Term, int count, class... Row>
-ZIM_INLINE void sumTerms(typename Term::Sum (&sum)[count], int width, const Row&... rows)
+ZIM_INLINE void sumTerms(Term term, typename Term::Sum (&sum)[count], int width, const Row&... rows)
 {
     using Sum = typename Term::Sum;
-    constexpr Term term;
     if (width < Sum::lanes) {
         // Selected, since of the zeros that fill up a vector a term may make something else.
         const auto inside = firstLanes<Sum>(width);
@@ -91,10 +90,10 @@ ZIM_INLINE void sumTerms(typename Term::Sum (&sum)[count], int width, const Row&
 
 // The sum of one row by itself.
 template <class Term, class... T>
-ZIM_INLINE auto sumRow(int width, const T*... operands)
+ZIM_INLINE auto sumRow(Term term, int width, const T*... operands)
 {
     typename Term::Sum sum[1];
-    sumTerms<Term>(sum, width, Shared{operands}...);
+    sumTerms(term, sum, width, Shared{operands}...);
     return sumLanes(sum[0]);
 }
 
@@ -102,8 +101,8 @@ ZIM_INLINE auto sumRow(int width, const T*... operands)
 // rows behind it, one a lane, and is a scalar when count is 1. Gives the first row left. The sums of a group are
 // delivered while those of the next are under way, since adding across lanes takes long and uses little of the
 // processor.
-template <class Term, int count, class Deliver, class... Operand>
-ZIM_INLINE std::ptrdiff_t sumGroups(std::ptrdiff_t first, int height, int width, Deliver deliver,
+template <int count, class Term, class Deliver, class... Operand>
+ZIM_INLINE std::ptrdiff_t sumGroups(Term term, std::ptrdiff_t first, int height, int width, Deliver deliver,
                                     const Operand&... operands)
 {
     using Sum = typename Term::Sum;
@@ -111,7 +110,7 @@ ZIM_INLINE std::ptrdiff_t sumGroups(std::ptrdiff_t first, int height, int width,
     Folded<Sum, count> previous;
     for (; height - r >= count; r += count) {
         Sum sum[count];
-        sumTerms<Term>(sum, width, rowsFrom<count>(r, operands)...);
+        sumTerms(term, sum, width, rowsFrom<count>(r, operands)...);
         if (r != first)
             deliver(r - count, sumFolded(previous));
         previous = foldLanes(sum);
@@ -127,10 +126,11 @@ struct Groups {
 };
 
 template <class Term, int... counts, class Deliver, class... Operand>
-ZIM_INLINE void sumRows(Groups<counts...>, int height, int width, Deliver deliver, const Operand&... operands)
+ZIM_INLINE void sumRows(Term term, Groups<counts...>, int height, int width, Deliver deliver,
+                        const Operand&... operands)
 {
     std::ptrdiff_t r = 0;
-    ((r = sumGroups<Term, counts>(r, height, width, deliver, operands...)), ...);
+    ((r = sumGroups<counts>(term, r, height, width, deliver, operands...)), ...);
 }
 
 }  // namespace zimsr
