@@ -18,6 +18,7 @@
 #include <zimsr/logarithm.h>
 #include <zimsr/logdomain.h>
 #include <zimsr/loggauss.h>
+#include <zimsr/mahalanobis.h>
 #include <zimsr/melfbank.h>
 #include <zimsr/memory.h>
 #include <zimsr/mixture.h>

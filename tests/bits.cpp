@@ -250,6 +250,28 @@ void scores()
                          });
 }
 
+void distances()
+{
+    reportScores<Zim32f>("zimsMahDist_32f_D2",
+                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
+                             return zimsMahDist_32f_D2(mat, step, mean, invVar, width, result, height);
+                         });
+    reportScores<Zim64f>("zimsMahDistMultiMix_64f_D2",
+                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
+                             return zimsMahDistMultiMix_64f_D2(mean, invVar, step, mat, width, result, height);
+                         });
+    report("zimsMeanVarAcc_32f", [](Digest& digest) {
+        Numbers numbers(12);
+        for (int width = 1; width <= 40; ++width) {
+            const auto x = numbers.between<Zim32f>(width, -4, 4), mean = numbers.between<Zim32f>(width, -4, 4);
+            auto meanAcc = numbers.between<Zim32f>(width, -4, 4), varAcc = numbers.between<Zim32f>(width, 0, 4);
+            digest.add(zimsMeanVarAcc_32f(x.data(), mean.data(), meanAcc.data(), varAcc.data(), width, 0.3f));
+            digest.add(meanAcc);
+            digest.add(varAcc);
+        }
+    });
+}
+
 void frontEnd()
 {
     report("zimsEvalFBank_32f", [](Digest& digest) {
@@ -313,5 +335,6 @@ int main()
     vectors();
     transforms();
     scores();
+    distances();
     frontEnd();
 }
