@@ -206,6 +206,39 @@ void reportScores(const char* name, Call call)
     });
 }
 
+// Every fold in turn, on the same running scores.
+template <class T, class Frames, class Gaussians, class Whole, class WholeOfIdentity>
+void reportMixtures(const char* name, Frames max, Frames add, Gaussians maxMix, Gaussians addMix, Whole mixture,
+                    WholeOfIdentity mixtureOfIdentity)
+{
+    report(name, [&](Digest& digest) {
+        Numbers numbers(13);
+        for (int width = 1; width <= 45; ++width)
+            for (int height : {1, 4, 7, 130}) {
+                const int step = width + width % 3;
+                const auto mat = numbers.between<T>(step * height, -1, 1),
+                           weights = numbers.between<T>(step * height, 0.1, 3), x = numbers.between<T>(width, -1, 1),
+                           constants = numbers.between<T>(height, -40, 0);
+                auto scores = numbers.between<T>(height, -60, 0);
+                for (Frames fold : {max, add}) {
+                    digest.add(fold(mat.data(), step, x.data(), weights.data(), width, scores.data(), height, -9));
+                    digest.add(scores);
+                }
+                for (Gaussians fold : {maxMix, addMix}) {
+                    digest.add(fold(mat.data(), weights.data(), step, x.data(), width, constants.data(), scores.data(),
+                                    height));
+                    digest.add(scores);
+                }
+                digest.add(mixture(x.data(), mat.data(), weights.data(), height, step, width, constants.data(),
+                                   scores.data()));
+                digest.add(scores);
+                digest.add(
+                    mixtureOfIdentity(x.data(), mat.data(), height, step, width, constants.data(), scores.data()));
+                digest.add(scores);
+            }
+    });
+}
+
 void scores()
 {
     reportScores<Zim32f>("zimsLogGauss_32f_D2",
@@ -232,6 +265,12 @@ void scores()
                          [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
                              return zimsLogGaussMultiMix_64f_D2(mean, invVar, step, mat, width, result, height);
                          });
+    reportMixtures<Zim32f>("mixtures of Zim32f", zimsLogGaussMax_32f_D2, zimsLogGaussAdd_32f_D2,
+                           zimsLogGaussMaxMultiMix_32f_D2, zimsLogGaussAddMultiMix_32f_D2, zimsLogGaussMixture_32f_D2,
+                           zimsLogGaussMixture_IdVar_32f_D2);
+    reportMixtures<Zim64f>("mixtures of Zim64f", zimsLogGaussMax_64f_D2, zimsLogGaussAdd_64f_D2,
+                           zimsLogGaussMaxMultiMix_64f_D2, zimsLogGaussAddMultiMix_64f_D2, zimsLogGaussMixture_64f_D2,
+                           zimsLogGaussMixture_IdVar_64f_D2);
     reportScores<Zim32f>("zimsLogGaussSingle_32f",
                          [](auto mat, auto, auto mean, auto invVar, auto width, auto result, auto) {
                              return zimsLogGaussSingle_32f(mat, mean, invVar, width, result, -1.3f);
@@ -270,6 +309,38 @@ void distances()
             digest.add(varAcc);
         }
     });
+}
+
+void logDomain()
+{
+    for (int hint : {0, 1, 2})
+        reportElementwise<Zim32f>(
+            ("zimsLogAdd_32f, hint " + std::to_string(hint)).c_str(),
+            [hint](const Zim32f* x, Zim32f* y, int len) { return zimsLogAdd_32f(x, y, len, hint); }, -20, 0);
+    reportElementwise<Zim64f>(
+        "zimsLogAdd_64f", [](const Zim64f* x, Zim64f* y, int len) { return zimsLogAdd_64f(x, y, len, 0); }, -30, 0);
+    const auto belowSource = [](auto* x, auto* y, int len) {
+        for (int i = 0; i < len; ++i)
+            y[i] += x[i];
+    };
+    reportElementwise<Zim32f>(
+        "zimsLogSub_32f",
+        [&](const Zim32f* x, Zim32f* y, int len) {
+            belowSource(x, y, len);
+            return zimsLogSub_32f(x, y, len);
+        },
+        -20, -0.001);
+    reportElementwise<Zim64f>(
+        "zimsLogSub_64f",
+        [&](const Zim64f* x, Zim64f* y, int len) {
+            belowSource(x, y, len);
+            return zimsLogSub_64f(x, y, len);
+        },
+        -30, -0.001);
+    reportReduction<Zim32f>(
+        "zimsLogSum_32f", [](const Zim32f* x, int len, Zim32f* sum) { return zimsLogSum_32f(x, sum, len); }, -20, 0);
+    reportReduction<Zim64f>(
+        "zimsLogSum_64f", [](const Zim64f* x, int len, Zim64f* sum) { return zimsLogSum_64f(x, sum, len); }, -30, 0);
 }
 
 void frontEnd()
@@ -336,5 +407,6 @@ int main()
     transforms();
     scores();
     distances();
+    logDomain();
     frontEnd();
 }

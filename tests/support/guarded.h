@@ -70,7 +70,7 @@ public:
 
     // Element by element through memcpy, since an offset may leave the array misaligned for T.
     template <class Sequence>
-    void assign(const Sequence& values)
+    void assign(const Sequence& values) const
     {
         std::size_t i = 0;
         for (const T value : values) {
@@ -79,7 +79,7 @@ public:
             std::memcpy(static_cast<char*>(block_.data()) + i++ * sizeof(T), &value, sizeof(T));
         }
     }
-    void fill(T value) { assign(std::vector<T>(count_, value)); }
+    void fill(T value) const { assign(std::vector<T>(count_, value)); }
 
 private:
     GuardedBlock block_;

@@ -18,6 +18,9 @@ public:
 
     constexpr T* operator[](std::ptrdiff_t r) const { return table_ ? table_[r] : base_ + r * step_; }
 
+    // The rows from row r on.
+    constexpr Rows from(std::ptrdiff_t r) const { return table_ ? Rows(table_ + r) : Rows(base_ + r * step_, step_); }
+
 private:
     T* base_ = nullptr;
     std::ptrdiff_t step_ = 0;

@@ -83,6 +83,12 @@ ZIM_INLINE V logAdd(V a, V b)
     return select(negligible, alone, greater + segmentPolynomial<Level>(segment, t));
 }
 
+// One more element of a running sum, at float level but in Zim64f.
+inline Zim32f logAddAccurate(Zim64f value, Zim32f sum)
+{
+    return static_cast<Zim32f>(logAdd<FloatLevel>(splat<D2>(value), splat<D2>(sum))[0]);
+}
+
 // One pair in 80-bit extended precision, at float level.
 inline Zim32f logAddExtended(Zim32f a, Zim32f b)
 {
@@ -156,7 +162,7 @@ inline void logAddExtended(const Zim32f* src, Zim32f* srcDst, std::size_t len)
         srcDst[i] = logAddExtended(src[i], srcDst[i]);
 }
 
-inline void logAddDouble(const Zim64f* src, Zim64f* srcDst, std::size_t len)
+inline void logAddAccurate(const Zim64f* src, Zim64f* srcDst, std::size_t len)
 {
     addElements<Zim64f>(LogAddDouble{}, src, srcDst, len);
 }

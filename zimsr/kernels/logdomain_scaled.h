@@ -43,7 +43,7 @@ inline Zim32f logSumOfFew(const Int* src, std::size_t len, Zim64f scale)
 {
     Zim32f sum = static_cast<Zim32f>(src[0] * scale);
     for (std::size_t i = 1; i < len; ++i)
-        sum = static_cast<Zim32f>(logAdd<FloatLevel>(splat<D2>(src[i] * scale), splat<D2>(sum))[0]);
+        sum = logAddAccurate(src[i] * scale, sum);
     return sum;
 }
 

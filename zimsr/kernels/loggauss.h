@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <type_traits>
 
+#include <zimsr/types.h>
+
 #include "zimcore/frame/rows.h"
 #include "zimcore/frame/simd.h"
 #include "zimsr/kernels/rowsums.h"
@@ -128,6 +130,17 @@ template <class Term, class T, class Keep, class... Model>
             score -= Term{}(frame[j], model[j]...);
         keepScores(r, T(0.5f) * score);
     }
+}
+
+// A block of Zim32f frames has a short path below four elements.
+template <template <class> class Term, class Keep, class... Model>
+inline void scoreBlock(Rows<const Zim32f> frames, int width, int height, Zim32f gconst, Keep keepScores,
+                       const Model*... model)
+{
+    if (width < 4)
+        scoreShortFrames<Term<Zim32f>>(frames, width, height, gconst, keepScores, model...);
+    else
+        scoreFrames<Term<F8>, FromDoubledConstant>(frames, width, height, gconst, keepScores, model...);
 }
 
 // One frame against a Gaussian a row, each with a constant of its own.

@@ -52,7 +52,7 @@ ZimStatus zimsLogAdd_64f(const Zim64f* src, Zim64f* srcDst, int len, int hint)
     if (ZimStatus fault = firstFault(anyBelowOne(len), anyNull(src, srcDst)))
         return fault;
     if (hint == accurate || hint == fast || hint == scalar)
-        logAddDouble(src, srcDst, static_cast<std::size_t>(len));
+        logAddAccurate(src, srcDst, static_cast<std::size_t>(len));
     return zimStsOk;
 }
 

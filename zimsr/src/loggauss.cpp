@@ -15,18 +15,6 @@ using namespace zimsr;
 
 namespace {
 
-// A block of Zim32f frames has a short path below four elements, which adds the constant first.
-template <template <class> class Term, class... Variance>
-void scoreBlock(Rows<const Zim32f> frames, int width, Zim32f* result, int height, Zim32f gconst, const Zim32f* mean,
-                const Variance*... variance)
-{
-    if (width < 4)
-        scoreShortFrames<Term<Zim32f>>(frames, width, height, gconst, StoreScores{result}, mean, variance...);
-    else
-        scoreFrames<Term<F8>, FromDoubledConstant>(frames, width, height, gconst, StoreScores{result}, mean,
-                                                   variance...);
-}
-
 bool anyZero(const Zim32f* values, int len)
 {
     bool found = false;
@@ -134,7 +122,7 @@ ZimStatus zimsLogGauss_32f_D2(const Zim32f* mat, int step, const Zim32f* mean, c
     if (ZimStatus fault =
             firstFault(strideBelow(step, width), anyNull(mat, mean, invVar, result), anyBelowOne(width, height)))
         return fault;
-    scoreBlock<SquareByInverse>(Rows(mat, step), width, result, height, gconst, mean, invVar);
+    scoreBlock<SquareByInverse>(Rows(mat, step), width, height, gconst, StoreScores{result}, mean, invVar);
     return zimStsOk;
 }
 
@@ -143,7 +131,7 @@ ZimStatus zimsLogGauss_32f_D2L(const Zim32f* const* rows, const Zim32f* mean, co
 {
     if (ZimStatus fault = firstFault(anyNull(rows, mean, invVar, result), anyBelowOne(width, height)))
         return fault;
-    scoreBlock<SquareByInverse>(Rows(rows), width, result, height, gconst, mean, invVar);
+    scoreBlock<SquareByInverse>(Rows(rows), width, height, gconst, StoreScores{result}, mean, invVar);
     return zimStsOk;
 }
 
@@ -174,7 +162,7 @@ ZimStatus zimsLogGauss_IdVar_32f_D2(const Zim32f* mat, int step, const Zim32f* m
 {
     if (ZimStatus fault = firstFault(strideBelow(step, width), anyNull(mat, mean, result), anyBelowOne(width, height)))
         return fault;
-    scoreBlock<Square>(Rows(mat, step), width, result, height, gconst, mean);
+    scoreBlock<Square>(Rows(mat, step), width, height, gconst, StoreScores{result}, mean);
     return zimStsOk;
 }
 

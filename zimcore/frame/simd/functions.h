@@ -39,4 +39,11 @@ ZIM_ON_PARTS(max, float, _mm_max_ps, _mm256_max_ps)
 ZIM_ON_PARTS(max, double, _mm_max_pd, _mm256_max_pd)
 #undef ZIM_ON_PARTS
 
+// The same of scalars.
+template <class T>
+requires std::is_floating_point_v<T> ZIM_INLINE T max(T a, T b)
+{
+    return a > b ? a : b;
+}
+
 }  // namespace zimsr
