@@ -43,7 +43,7 @@ struct IntegerBins {
     }
     static ZIM_INLINE Vector widened(S8 bins) { return widen(bins); }
     static ZIM_INLINE Vector widened(I8 bins) { return bins; }
-    static ZIM_INLINE Vector product(Vector weights, Vector bins) { return multiplyWrapped(weights, bins); }
+    static ZIM_INLINE Vector product(Vector weights, Vector bins) { return weights * bins; }
     static ZIM_INLINE void add(Sum& sum, Vector products)
     {
         sum += widen(lowHalf(products)) + widen(highHalf(products));

@@ -142,13 +142,6 @@ ZIM_INLINE L4 widen(I4 v)
 #endif
 }
 
-// The low 32 bits of each product.
-ZIM_INLINE I8 multiplyWrapped(I8 a, I8 b)
-{
-    using Unsigned = typename simd_detail::Register<uint32_t, I8::partBytes>::type;
-    return simd_detail::eachPart<I8>([](auto x, auto y) { return (I8::Part)((Unsigned)x * (Unsigned)y); }, a, b);
-}
-
 // Saturates each lane to 16 bits.
 ZIM_INLINE S8 narrowSaturated(I8 v)
 {

@@ -1,35 +1,61 @@
 // Arithmetic lane by lane, with the operators of the scalar formula; comparisons (a mask has all bits of a lane set, or
-// none) and selection.
+// none) and selection. Lanes of integers wrap around.
 #pragma once
+
+#include <concepts>
+#include <type_traits>
 
 #include "zimcore/frame/simd/vector.h"
 
 namespace zimsr {
 
-#define ZIM_BINARY(op)                                                                                   \
-    template <class T, int N>                                                                            \
-    ZIM_INLINE Vec<T, N> operator op(Vec<T, N> a, Vec<T, N> b)                                           \
-    {                                                                                                    \
-        return simd_detail::eachPart<Vec<T, N>>([](auto x, auto y) { return x op y; }, a, b);            \
-    }                                                                                                    \
-    template <class T, int N>                                                                            \
-    ZIM_INLINE Vec<T, N>& operator op##=(Vec<T, N>& a, Vec<T, N> b)                                      \
-    {                                                                                                    \
-        return a = a op b;                                                                               \
+namespace simd_detail {
+
+template <class T>
+struct UnsignedOf {
+    using type = T;
+};
+template <std::signed_integral T>
+struct UnsignedOf<T> {
+    using type = std::make_unsigned_t<T>;
+};
+
+// What an operator is given: the lanes as they are, or signed ones as unsigned, so that overflow is defined.
+template <class V>
+using AsIs = typename V::Part;
+template <class V>
+using Unsigned = typename Register<typename UnsignedOf<typename V::Lane>::type, V::partBytes>::type;
+
+}  // namespace simd_detail
+
+#define ZIM_BINARY(op, Operand)                                                                                 \
+    template <class T, int N>                                                                                   \
+    ZIM_INLINE Vec<T, N> operator op(Vec<T, N> a, Vec<T, N> b)                                                  \
+    {                                                                                                           \
+        using V = Vec<T, N>;                                                                                    \
+        using O = simd_detail::Operand<V>;                                                                      \
+        return simd_detail::eachPart<V>([](auto x, auto y) { return (typename V::Part)((O)x op(O) y); }, a, b); \
+    }                                                                                                           \
+    template <class T, int N>                                                                                   \
+    ZIM_INLINE Vec<T, N>& operator op##=(Vec<T, N>& a, Vec<T, N> b)                                             \
+    {                                                                                                           \
+        return a = a op b;                                                                                      \
     }
-ZIM_BINARY(+)
-ZIM_BINARY(-)
-ZIM_BINARY(*)
-ZIM_BINARY(/)
-ZIM_BINARY(&)
-ZIM_BINARY(|)
-ZIM_BINARY(^)
+ZIM_BINARY(+, Unsigned)
+ZIM_BINARY(-, Unsigned)
+ZIM_BINARY(*, Unsigned)
+ZIM_BINARY(/, AsIs)
+ZIM_BINARY(&, AsIs)
+ZIM_BINARY(|, AsIs)
+ZIM_BINARY(^, AsIs)
 #undef ZIM_BINARY
 
 template <class T, int N>
 ZIM_INLINE Vec<T, N> operator-(Vec<T, N> a)
 {
-    return simd_detail::eachPart<Vec<T, N>>([](auto x) { return -x; }, a);
+    using V = Vec<T, N>;
+    using O = simd_detail::Unsigned<V>;
+    return simd_detail::eachPart<V>([](auto x) { return (typename V::Part)(-(O)x); }, a);
 }
 
 template <class T, int N>
@@ -41,7 +67,9 @@ ZIM_INLINE Vec<T, N> operator~(Vec<T, N> a)
 template <class T, int N>
 ZIM_INLINE Vec<T, N> operator<<(Vec<T, N> a, int count)
 {
-    return simd_detail::eachPart<Vec<T, N>>([count](auto x) { return x << count; }, a);
+    using V = Vec<T, N>;
+    using O = simd_detail::Unsigned<V>;
+    return simd_detail::eachPart<V>([count](auto x) { return (typename V::Part)((O)x << count); }, a);
 }
 
 template <class T, int N>
@@ -50,12 +78,13 @@ ZIM_INLINE Vec<T, N> operator>>(Vec<T, N> a, int count)
     return simd_detail::eachPart<Vec<T, N>>([count](auto x) { return x >> count; }, a);
 }
 
-#define ZIM_COMPARE(op)                                                                                             \
-    template <class T, int N>                                                                                       \
-    ZIM_INLINE typename Vec<T, N>::Mask operator op(Vec<T, N> a, Vec<T, N> b)                                       \
-    {                                                                                                               \
-        using PartMask = simd_detail::PartMask<Vec<T, N>>;                                                          \
-        return simd_detail::eachPart<typename Vec<T, N>::Mask>([](auto x, auto y) { return (PartMask)(x op y); }, a, b); \
+#define ZIM_COMPARE(op)                                                                                              \
+    template <class T, int N>                                                                                        \
+    ZIM_INLINE typename Vec<T, N>::Mask operator op(Vec<T, N> a, Vec<T, N> b)                                        \
+    {                                                                                                                \
+        using PartMask = simd_detail::PartMask<Vec<T, N>>;                                                           \
+        return simd_detail::eachPart<typename Vec<T, N>::Mask>([](auto x, auto y) { return (PartMask)(x op y); }, a, \
+                                                               b);                                                   \
     }
 ZIM_COMPARE(<)
 ZIM_COMPARE(<=)
