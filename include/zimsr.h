@@ -10,6 +10,7 @@
 
 #include <zimsr/arithmetic.h>
 #include <zimsr/autocorr.h>
+#include <zimsr/blockdiagonal.h>
 #include <zimsr/convert.h>
 #include <zimsr/dctlifter.h>
 #include <zimsr/delta.h>

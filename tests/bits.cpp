@@ -343,6 +343,43 @@ void logDomain()
         "zimsLogSum_64f", [](const Zim64f* x, int len, Zim64f* sum) { return zimsLogSum_64f(x, sum, len); }, -30, 0);
 }
 
+template <class T, class Score, class Matrix>
+void reportBlockScores(const char* name, ZimStatus (*initAlloc)(Matrix**, const T* const*, const Zim32s*, int),
+                       ZimStatus (*free)(Matrix*),
+                       ZimStatus (*score)(const T*, const T*, const Matrix*, int, Score*, Score))
+{
+    report(name, [=](Digest& digest) {
+        Numbers numbers(13);
+        for (int size = 1; size <= 40; ++size) {
+            const Zim32s sizes[] = {size, 3, size};
+            const int len = 2 * size + 3;
+            const auto x = numbers.between<T>(len, -40, 40), mean = numbers.between<T>(len, -40, 40);
+            const auto elements = numbers.between<T>(len * len, -40, 40);
+            std::vector<const T*> rows;
+            for (int r = 0; r < len; ++r)
+                rows.push_back(elements.data() + r * len);
+            Matrix* matrix = nullptr;
+            digest.add(initAlloc(&matrix, rows.data(), sizes, 3));
+            std::vector<Score> result(1);
+            digest.add(score(x.data(), mean.data(), matrix, len, result.data(), Score(-13)));
+            digest.add(result);
+            free(matrix);
+        }
+    });
+}
+
+void blockScores()
+{
+    const auto init = zimsBlockDMatrixInitAlloc_32f;
+    const auto free = zimsBlockDMatrixFree_32f;
+    reportBlockScores("zimsLogGaussSingle_BlockDVar_32f", init, free, zimsLogGaussSingle_BlockDVar_32f);
+    reportBlockScores("zimsLogGaussSingle_BlockDVar_32f64f", init, free, zimsLogGaussSingle_BlockDVar_32f64f);
+    reportBlockScores("zimsLogGaussSingle_BlockDVar_64f", zimsBlockDMatrixInitAlloc_64f, zimsBlockDMatrixFree_64f,
+                      zimsLogGaussSingle_BlockDVar_64f);
+    reportBlockScores("zimsLogGaussSingle_BlockDVar_16s32f", zimsBlockDMatrixInitAlloc_16s, zimsBlockDMatrixFree_16s,
+                      zimsLogGaussSingle_BlockDVar_16s32f);
+}
+
 void frontEnd()
 {
     report("zimsEvalFBank_32f", [](Digest& digest) {
@@ -408,5 +445,6 @@ int main()
     scores();
     distances();
     logDomain();
+    blockScores();
     frontEnd();
 }
