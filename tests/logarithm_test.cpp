@@ -166,7 +166,7 @@ Zim32s exactLn(Zim32s x, int scaleFactor)
         return INT_MIN;
     if (scaleFactor >= 0)
         return static_cast<Zim32s>(std::nearbyint(std::log(static_cast<long double>(x)))) >> std::min(scaleFactor, 31);
-    const float scaled = statedLn(static_cast<float>(x)) * std::ldexp(1.0f, std::min(-scaleFactor, 127));
+    const float scaled = statedLn(static_cast<float>(x)) * std::ldexp(1.0f, -std::max(scaleFactor, -127));
     return static_cast<Zim32s>(std::nearbyint(std::min(scaled, 2147483520.0f)));
 }
 

@@ -45,23 +45,39 @@ ZIM_INLINE void mapElements(Result* dst, std::size_t len, Operation operation, c
     }
 }
 
-// The same, written past the cache, for a long row and a destination that is none of the sources. Where whole elements
-// do not lead to a register's boundary, the cache is used after all.
+// The same for a destination that is none of the sources; all vectors but the first and the last are put on boundaries
+// of a register, which the destination must reach by whole elements.
+template <int N, class Put, class Result, class Operation, class... Source>
+ZIM_INLINE void mapOnBoundaries(Put put, Result* dst, std::size_t len, Operation operation, const Source*... sources)
+{
+    static_assert(N * sizeof(Result) % registerBytes == 0);
+    const auto result = [&]([[maybe_unused]] std::size_t i) { return operation(load<Vec<Source, N>>(sources + i)...); };
+    const std::size_t last = len - N;
+    store(dst, result(0));
+    std::size_t i = -ZIM_UINT_PTR(dst) % registerBytes / sizeof(Result);
+    for (; i + 4 * N <= len; i += 4 * N) {
+        put(dst + i, result(i));
+        put(dst + i + N, result(i + N));
+        put(dst + i + 2 * N, result(i + 2 * N));
+        put(dst + i + 3 * N, result(i + 3 * N));
+    }
+    for (; i < last; i += N)
+        put(dst + i, result(i));
+    store(dst + last, result(last));
+}
+
+// The same, written past the cache, for a long row. Where whole elements do not lead to a boundary, the cache is used
+// after all.
 template <int N, class Result, class Operation, class... Source>
 ZIM_INLINE void streamElements(Result* dst, std::size_t len, Operation operation, const Source*... sources)
 {
-    static_assert(N * sizeof(Result) % registerBytes == 0);
-    const std::size_t leadBytes = -ZIM_UINT_PTR(dst) % registerBytes;
-    if (leadBytes % sizeof(Result) != 0) {
+    if (ZIM_UINT_PTR(dst) % sizeof(Result) != 0) {
         mapLongRow<N>(dst, len, operation, sources...);
         return;
     }
-    store(dst, operation(load<Vec<Source, N>>(sources)...));
-    const std::size_t last = len - N;
-    for (std::size_t i = leadBytes / sizeof(Result); i < last; i += N)
-        storeStreaming(dst + i, operation(load<Vec<Source, N>>(sources + i)...));
+    mapOnBoundaries<N>([](Result* place, auto v) ZIM_INLINE_LAMBDA { storeStreaming(place, v); }, dst, len, operation,
+                       sources...);
     fenceStores();
-    store(dst + last, operation(load<Vec<Source, N>>(sources + last)...));
 }
 
 }  // namespace zimsr
