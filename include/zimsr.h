@@ -14,6 +14,7 @@
 #include <zimsr/convert.h>
 #include <zimsr/dctlifter.h>
 #include <zimsr/delta.h>
+#include <zimsr/energy.h>
 #include <zimsr/extremes.h>
 #include <zimsr/fft.h>
 #include <zimsr/logarithm.h>
@@ -23,6 +24,8 @@
 #include <zimsr/melfbank.h>
 #include <zimsr/memory.h>
 #include <zimsr/mixture.h>
+#include <zimsr/offset.h>
+#include <zimsr/signchanges.h>
 #include <zimsr/sums.h>
 
 #endif

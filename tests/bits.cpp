@@ -436,6 +436,48 @@ void frontEnd()
     });
 }
 
+// Rows of samples that swing around 0, at every length and place.
+template <class T, class Call>
+void reportSignal(const char* name, double bound, Call call)
+{
+    report(name, [&](Digest& digest) {
+        Numbers numbers(20);
+        overLengths([&](int len, int offset) {
+            const auto x = numbers.between<T>(len + offset, -bound, bound);
+            std::vector<T> y(static_cast<std::size_t>(len));
+            T previous = 3;
+            digest.add(call(x.data() + offset, y.data(), len, &previous));
+            digest.add(y);
+        });
+    });
+}
+
+void conditioning()
+{
+    reportSignal<Zim32f>("zimsCompensateOffset_32f", 30000, [](auto x, auto y, int len, auto previous) {
+        return zimsCompensateOffset_32f(x, y, len, previous, 1, 0.999f);
+    });
+    reportSignal<Zim16s>("zimsCompensateOffset_16s", 30000, [](auto x, auto y, int len, auto previous) {
+        return zimsCompensateOffset_16s(x, y, len, previous, 1, 0.999f);
+    });
+    reportSignal<Zim16s>("zimsCompensateOffset_16s rounded", 30000, [](auto x, auto y, int len, auto previous) {
+        return zimsCompensateOffset_16s(x, y, len, previous, 1, 1.01f);
+    });
+    reportSignal<Zim32f>("zimsSignChangeRate_32f", 1,
+                         [](auto x, auto y, int len, auto) { return zimsSignChangeRate_32f(x, len, y); });
+    reportSignal<Zim32f>("zimsSignChangeRate_Count0_32f", 1,
+                         [](auto x, auto y, int len, auto) { return zimsSignChangeRate_Count0_32f(x, len, y); });
+    reportSignal<Zim32f>("zimsNormEnergy_32f", 20, [](auto x, auto y, int len, auto) {
+        zimsCopy_32f(x, y, len);
+        return zimsNormEnergy_32f(y, 1 + len % 3, (len + 2) / 3, 50, 0.1f);
+    });
+    for (float scale : {0.7f, 1.7f})
+        reportSignal<Zim16s>("zimsNormEnergy_16s", 3000, [scale](auto x, auto y, int len, auto) {
+            zimsCopy_16s(x, y, len);
+            return zimsNormEnergy_16s(y, 1 + len % 3, (len + 2) / 3, 50, 1000, scale);
+        });
+}
+
 }  // namespace
 
 int main()
@@ -447,4 +489,5 @@ int main()
     logDomain();
     blockScores();
     frontEnd();
+    conditioning();
 }

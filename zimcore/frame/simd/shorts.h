@@ -24,6 +24,11 @@ ZIM_INLINE I8 multiplyAddPairs(S16 a, S16 b)
 #endif
 }
 
+ZIM_INLINE I4 multiplyAddPairs(S8 a, S8 b)
+{
+    return {(I4::Part)_mm_madd_epi16((__m128i)a.part[0], (__m128i)b.part[0])};
+}
+
 // ---- Rows of 16-bit lanes, in as many lanes as are wanted: saturating sums, exact products
 
 namespace simd_detail {
@@ -48,6 +53,8 @@ namespace simd_detail {
 #endif
 ZIM_ON_SHORTS(adds, _mm_adds_epi16, _mm256_adds_epi16)
 ZIM_ON_SHORTS(subs, _mm_subs_epi16, _mm256_subs_epi16)
+ZIM_ON_SHORTS(mins, _mm_min_epi16, _mm256_min_epi16)
+ZIM_ON_SHORTS(maxs, _mm_max_epi16, _mm256_max_epi16)
 ZIM_ON_SHORTS(mullo, _mm_mullo_epi16, _mm256_mullo_epi16)
 ZIM_ON_SHORTS(mulhi, _mm_mulhi_epi16, _mm256_mulhi_epi16)
 ZIM_ON_SHORTS(madd, _mm_madd_epi16, _mm256_madd_epi16)
@@ -68,6 +75,25 @@ template <int N>
 ZIM_INLINE Vec<int16_t, N> subtractSaturated(Vec<int16_t, N> a, Vec<int16_t, N> b)
 {
     return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::subs(x, y); }, a, b);
+}
+
+template <int N>
+ZIM_INLINE Vec<int16_t, N> min(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::mins(x, y); }, a, b);
+}
+
+template <int N>
+ZIM_INLINE Vec<int16_t, N> max(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::maxs(x, y); }, a, b);
+}
+
+// The upper 16 bits of each product.
+template <int N>
+ZIM_INLINE Vec<int16_t, N> multiplyHigh(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::mulhi(x, y); }, a, b);
 }
 
 // 32-bit lanes made of two 16-bit ones, in the order in which registers unpack; packSaturated restores the lanes' own.
