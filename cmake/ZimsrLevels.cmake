@@ -5,6 +5,11 @@
 file(GLOB ZIMSR_SOURCES CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/zimcore/src/*.cpp" "${PROJECT_SOURCE_DIR}/base/*.cpp"
      "${PROJECT_SOURCE_DIR}/zimsr/src/*.cpp")
 
+# The all-integer filter bank is for processors without a floating-point unit: the compiler gets no register of one.
+set_source_files_properties(
+  "${PROJECT_SOURCE_DIR}/zimsr/src/melfbank_fixed.cpp"
+  PROPERTIES COMPILE_OPTIONS "$<IF:$<CXX_COMPILER_ID:GNU>,-mgeneral-regs-only,-mno-implicit-float>")
+
 set(ZIMSR_LIBRARY_DIR "${PROJECT_BINARY_DIR}/lib")
 set(ZIMSR_BASELINE_FLAGS -msse3 -mfpmath=sse)
 

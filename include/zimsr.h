@@ -22,6 +22,7 @@
 #include <zimsr/loggauss.h>
 #include <zimsr/mahalanobis.h>
 #include <zimsr/melfbank.h>
+#include <zimsr/melfbank_fixed.h>
 #include <zimsr/memory.h>
 #include <zimsr/mixture.h>
 #include <zimsr/offset.h>

@@ -476,6 +476,17 @@ void conditioning()
             zimsCopy_16s(x, y, len);
             return zimsNormEnergy_16s(y, 1 + len % 3, (len + 2) / 3, 50, 1000, scale);
         });
+    report("zimsEvalFBank_32s_Sfs", [](Digest& digest) {
+        Numbers numbers(21);
+        std::vector<char> block(1 << 20);
+        auto* const bank = reinterpret_cast<ZimsFBankState_32s*>(block.data());
+        int order;
+        digest.add(zimsMelFBankInit_32s(bank, &order, 400, 16000, 64, 8000, 26, 36929880, 22937600, 2));
+        const auto x = numbers.between<Zim32s>(257, 0, 2e9);
+        std::vector<Zim32s> energies(26);
+        digest.add(zimsEvalFBank_32s_Sfs(x.data(), energies.data(), bank, 5));
+        digest.add(energies);
+    });
 }
 
 }  // namespace

@@ -6,23 +6,11 @@
 #include <zimsr/types.h>
 
 #include "zimsr/kernels/melfbank_edges.h"
+#include "zimsr/kernels/melfbank_shape.h"
 #include "zimsr/kernels/melfbank_state.h"
 #include "zimsr/kernels/melfbank_weights.h"
 
 namespace zimsr {
-
-// Straight lines over the bins: filter i rises to 1 on its centre and would meet 0 one bin outside its edges.
-template <class Weights>
-void binSlopes(const typename Weights::State& bank, int i)
-{
-    using Weight = typename Weights::State::Weight;
-    const Zim32s* c = bank.centers;
-    const Zim64s rise = c[i] - c[i - 1], fall = c[i + 1] - c[i];
-    for (Zim64s j = 0; j <= rise; ++j)
-        bank.lowerRows[i - 1][j] = static_cast<Weight>(Weights::ratio(j + 1, rise + 1));
-    for (Zim64s j = 0; j < fall; ++j)
-        bank.upperRows[i - 1][j] = static_cast<Weight>(Weights::ratio(fall - j, fall + 1));
-}
 
 // row[0 ..] = the height of bins first .. last on a line over mel, height(mel) / span.
 template <class Weights, class Weight, class Height>

@@ -4,6 +4,7 @@
 #include <zimsr/melfbank.h>
 
 #include "base/fft_plan.h"
+#include "zimsr/kernels/melfbank_shape.h"
 
 namespace zimsr {
 
@@ -42,16 +43,5 @@ struct ZimsFBankState_16s : zimsr::FBankFields<Zim32s, ZimsFFTPlan_R_16s32s> {
 namespace zimsr {
 
 inline constexpr int q14 = 14;
-
-// The rows of filter i, counted from 1. The edges of a bank never step back.
-inline int lowerLength(const Zim32s* c, int i)
-{
-    return c[i] - c[i - 1] + 1;
-}
-
-inline int upperLength(const Zim32s* c, int i)
-{
-    return c[i + 1] - c[i];
-}
 
 }  // namespace zimsr

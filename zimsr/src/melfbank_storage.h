@@ -96,10 +96,8 @@ State* makeBank(int frameLen, int nFilter, std::size_t edgeCount, bool transform
     if (!bank)
         return nullptr;
     *bank = State{};
-    bank->fftLen = 2;
-    bank->fftOrder = 1;
-    for (; bank->fftLen < frameLen; bank->fftLen *= 2)
-        ++bank->fftOrder;
+    bank->fftOrder = transformOrder(frameLen);
+    bank->fftLen = 1 << bank->fftOrder;
     bank->nFilter = bank->nLinear = nFilter;
     bank->edgeCount = static_cast<Zim32s>(edgeCount);
     if constexpr (requires { bank->weightShift; })
