@@ -70,14 +70,16 @@ template <class Level, class V>
 ZIM_INLINE V logAdd(V a, V b)
 {
     using Lane = typename V::Lane;
-    const auto constant = [](Zim64f value) { return splat<V>(static_cast<Lane>(value)); };
+    constexpr auto zero = static_cast<Lane>(Level::zero), small = static_cast<Lane>(Level::small),
+                   threshold = static_cast<Lane>(Level::negligible), firstEnd = static_cast<Lane>(Level::origins[1]),
+                   secondEnd = static_cast<Lane>(Level::origins[2]);
     const V greater = max(a, b);
     const V difference = min(a, b) - greater;
-    const auto negligible = difference < constant(Level::negligible);
-    const V alone = select(greater < constant(Level::small), constant(Level::zero), greater);
+    const auto negligible = difference < splat<V>(threshold);
+    const V alone = select(greater < splat<V>(small), splat<V>(zero), greater);
     if (allSet(negligible))
         return alone;
-    const OneOfThree<V> segment(difference <= constant(Level::origins[1]), difference <= constant(Level::origins[2]));
+    const OneOfThree<V> segment(difference <= splat<V>(firstEnd), difference <= splat<V>(secondEnd));
     const V t = difference - segment(segmentOrigins<Level, Lane>.values);
     // A lane far below is selected away: its polynomial may have overflowed.
     return select(negligible, alone, greater + segmentPolynomial<Level>(segment, t));
@@ -139,11 +141,18 @@ struct LogAddDouble {
 template <class Lane, class Add, class T>
 inline void addElements(Add add, const T* src, T* srcDst, std::size_t len)
 {
-    constexpr int lanes = registerBytes / static_cast<int>(sizeof(Lane));
-    if (len >= 4 * lanes)
-        mapLongRow<4 * lanes>(srcDst, len, add, src, srcDst);
-    else
-        mapElements<4>(srcDst, len, add, src, srcDst);
+    constexpr int lanes = 4 * registerBytes / static_cast<int>(sizeof(Lane));
+    if (len < lanes)
+        return mapElements<4>(srcDst, len, add, src, srcDst);
+    const auto sums = [=](std::size_t i) ZIM_INLINE_LAMBDA {
+        return add(load<Vec<T, lanes>>(src + i), load<Vec<T, lanes>>(srcDst + i));
+    };
+    // The last vector is stepped back, and so is computed before anything is written.
+    const std::size_t last = len - lanes;
+    const auto lastSums = sums(last);
+    for (std::size_t i = 0; i < last; i += lanes)
+        store(srcDst + i, sums(i));
+    store(srcDst + last, lastSums);
 }
 
 inline void logAddFast(const Zim32f* src, Zim32f* srcDst, std::size_t len)
