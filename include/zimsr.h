@@ -28,5 +28,6 @@
 #include <zimsr/offset.h>
 #include <zimsr/signchanges.h>
 #include <zimsr/sums.h>
+#include <zimsr/update.h>
 
 #endif
