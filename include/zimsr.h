@@ -11,6 +11,7 @@
 #include <zimsr/arithmetic.h>
 #include <zimsr/autocorr.h>
 #include <zimsr/blockdiagonal.h>
+#include <zimsr/columnstats.h>
 #include <zimsr/convert.h>
 #include <zimsr/dctlifter.h>
 #include <zimsr/delta.h>
@@ -21,6 +22,7 @@
 #include <zimsr/logdomain.h>
 #include <zimsr/loggauss.h>
 #include <zimsr/mahalanobis.h>
+#include <zimsr/matrixsums.h>
 #include <zimsr/melfbank.h>
 #include <zimsr/melfbank_fixed.h>
 #include <zimsr/memory.h>
@@ -28,6 +30,5 @@
 #include <zimsr/offset.h>
 #include <zimsr/signchanges.h>
 #include <zimsr/sums.h>
-#include <zimsr/update.h>
 
 #endif

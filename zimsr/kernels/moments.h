@@ -11,6 +11,8 @@ namespace zimsr {
 template <class V>
 struct Moments {
     V first, second;
+
+    ZIM_INLINE Moments operator+(Moments b) const { return {first + b.first, second + b.second}; }
 };
 
 // first[j] += d * weight and second[j] += d * (d * weight), for d = x[j] - mean[j].

@@ -14,6 +14,7 @@ namespace zimsr {
 template <class T, int columns>
 struct Strip {
     using Vector = Vec<T, std::max(columns, 16 / static_cast<int>(sizeof(T)))>;
+    static constexpr int count = columns;
     static constexpr bool whole = Vector::lanes == columns;
 
     ZIM_INLINE Vector load(const T* source) const
@@ -31,6 +32,13 @@ struct Strip {
         else
             storeLow<columns>(destination, v);
     }
+
+    // Of a longer vector, the lanes that belong to the columns.
+    template <int N>
+    ZIM_INLINE void store(T* destination, Vec<T, N> v) const
+    {
+        store(destination, lowLanes<Vector::lanes>(v));
+    }
 };
 
 // Calls body(strip, first column) for strips that cover columns 0 .. width - 1 and nothing else. The last one is
@@ -43,6 +51,34 @@ ZIM_INLINE void forEachStrip(int width, Body body)
             body(Strip<T, columns>{}, std::min<std::ptrdiff_t>(first, width - columns));
     else if constexpr (columns > 1)
         forEachStrip<T, columns / 2>(width, body);
+}
+
+// The same, beginning with strips of `widest` columns and going on to narrower ones: only those of `columns` columns
+// are stepped back. Wide strips keep more sums under way at once, and read a row in fewer passes.
+template <class T, int columns, int widest, class Body>
+ZIM_INLINE void forEachStrip(int width, Body body)
+{
+    std::ptrdiff_t first = 0;
+    const auto takeWhole = [&](auto strip) ZIM_INLINE_LAMBDA {
+        for (; width - first >= strip.count; first += strip.count)
+            body(strip, first);
+    };
+    if constexpr (widest >= 4 * columns)
+        takeWhole(Strip<T, 4 * columns>{});
+    if constexpr (widest >= 2 * columns)
+        takeWhole(Strip<T, 2 * columns>{});
+    if (width < columns)
+        forEachStrip<T, columns / 2>(width, body);
+    else
+        for (; first < width; first += columns)
+            body(Strip<T, columns>{}, std::min<std::ptrdiff_t>(first, width - columns));
+}
+
+// The lanes of a strip from column `done` on: those of a strip stepped back that were not done before it.
+template <class T, int columns>
+ZIM_INLINE auto freshLanes(Strip<T, columns>, std::ptrdiff_t column, std::ptrdiff_t done)
+{
+    return ~firstLanes<typename Strip<T, columns>::Vector>(static_cast<int>(done - column));
 }
 
 // How many rows of so many columns stay in the nearest cache while their strips are done one after the other.

@@ -5,14 +5,11 @@
 
 namespace zimsr {
 
-ZIM_INLINE F8 toFloat(I8 v)
+template <int N>
+ZIM_INLINE Vec<float, N> toFloat(Vec<int32_t, N> v)
 {
-    return simd_detail::eachPart<F8>([](auto x) { return __builtin_convertvector(x, F8::Part); }, v);
-}
-
-ZIM_INLINE F4 toFloat(I4 v)
-{
-    return {__builtin_convertvector(v.part[0], F4::Part)};
+    return simd_detail::eachPart<Vec<float, N>>(
+        [](auto x) { return __builtin_convertvector(x, typename Vec<float, N>::Part); }, v);
 }
 
 // Rounded by the processor's current mode; out of range and NaN give INT_MIN.
@@ -102,6 +99,13 @@ ZIM_INLINE I8 widen(S8 v)
 #endif
 }
 
+// Longer vectors, by halves.
+template <int N>
+requires(N > 8) ZIM_INLINE Vec<int32_t, N> widen(Vec<int16_t, N> v)
+{
+    return join(widen(lowHalf(v)), widen(highHalf(v)));
+}
+
 ZIM_INLINE S16 widen(B16 v)
 {
 #if defined(__AVX2__)
@@ -120,6 +124,11 @@ ZIM_INLINE D4 toDouble(I4 v)
     const __m128i x = (__m128i)v.part[0];
     return {_mm_cvtepi32_pd(x), _mm_cvtepi32_pd(_mm_unpackhi_epi64(x, x))};
 #endif
+}
+
+ZIM_INLINE D8 toDouble(I8 v)
+{
+    return join(toDouble(lowHalf(v)), toDouble(highHalf(v)));
 }
 
 // Rounded by the processor's current mode; out of range and NaN give INT_MIN.

@@ -87,6 +87,16 @@ ZIM_INLINE Vec<T, N / 2> highHalf(Vec<T, N> v)
     return simd_detail::halfFrom<N / 2>(v);
 }
 
+// The first lanes of a vector, a power of two of them.
+template <int lanes, class T, int N>
+ZIM_INLINE Vec<T, lanes> lowLanes(Vec<T, N> v)
+{
+    if constexpr (lanes == N)
+        return v;
+    else
+        return lowLanes<lanes>(lowHalf(v));
+}
+
 template <class T, int N>
 ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
 {
