@@ -13,6 +13,7 @@
 #include <zimsr/blockdiagonal.h>
 #include <zimsr/columnstats.h>
 #include <zimsr/convert.h>
+#include <zimsr/covariance.h>
 #include <zimsr/dctlifter.h>
 #include <zimsr/delta.h>
 #include <zimsr/energy.h>
@@ -30,5 +31,6 @@
 #include <zimsr/offset.h>
 #include <zimsr/signchanges.h>
 #include <zimsr/sums.h>
+#include <zimsr/weightedstats.h>
 
 #endif

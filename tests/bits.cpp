@@ -504,6 +504,18 @@ void reportMatrices(const char* name, Run run)
     });
 }
 
+template <class T, class Call>
+void reportWeighted(const char* name, Call call)
+{
+    reportMatrices<T>(name, [&](Digest& digest, Numbers& numbers, auto x, int height, int width, int step) {
+        const auto weights = numbers.between<T>(height, 0, 1);
+        std::vector<T> mean(static_cast<std::size_t>(width)), var(mean);
+        digest.add(call(x, step, weights.data(), height, mean.data(), var.data(), width));
+        digest.add(mean);
+        digest.add(var);
+    });
+}
+
 void statistics()
 {
     reportMatrices<Zim32f>("column statistics", [](Digest& digest, Numbers&, auto x, int height, int width, int step) {
@@ -537,6 +549,14 @@ void statistics()
             digest.add(var);
             digest.add(wideMean);
             digest.add(wideVar);
+        });
+    reportWeighted<Zim32f>("zimsWeightedMeanVarColumn_32f_D2", zimsWeightedMeanVarColumn_32f_D2);
+    reportWeighted<Zim64f>("zimsWeightedMeanVarColumn_64f_D2", zimsWeightedMeanVarColumn_64f_D2);
+    reportMatrices<Zim32f>(
+        "zimsAccCovarianceMatrix_32f64f_D2", [](Digest& digest, Numbers&, auto x, int height, int width, int step) {
+            Doubles scatter(static_cast<std::size_t>(width * width));
+            digest.add(zimsAccCovarianceMatrix_32f64f_D2(x, step, height, x, scatter.data(), width, width, 0.3));
+            digest.add(scatter);
         });
 }
 
