@@ -31,6 +31,7 @@
 #include <zimsr/offset.h>
 #include <zimsr/signchanges.h>
 #include <zimsr/sums.h>
+#include <zimsr/update.h>
 #include <zimsr/weightedstats.h>
 
 #endif

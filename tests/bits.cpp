@@ -489,6 +489,65 @@ void conditioning()
     });
 }
 
+template <class T>
+void reportUpdates(const char* name, ZimStatus (*updateMean)(const T*, T*, int, T),
+                   ZimStatus (*updateVar)(const T*, const T*, const T*, T*, int, T, T),
+                   ZimStatus (*updateWeight)(const T*, T*, int, T*, T, T), Unary<T> updateGConst,
+                   ZimStatus (*weightedSum)(const T*, const T*, T*, int, T, T))
+{
+    report(name, [&](Digest& digest) {
+        Numbers numbers(12);
+        overLengths([&](int len, int offset) {
+            const auto acc = numbers.between<T>(len + offset, -5, 5), floor = numbers.between<T>(len, -1, 1);
+            auto mean = numbers.between<T>(len, -1, 1), var = numbers.between<T>(len + offset, 0.1, 9);
+            std::vector<T> single(1);
+            digest.add(updateGConst(var.data() + offset, len, single.data()));
+            digest.add(single);
+            digest.add(updateMean(acc.data() + offset, mean.data(), len, T(37.3)));
+            digest.add(mean);
+            digest.add(updateVar(mean.data(), acc.data() + offset, floor.data(), var.data(), len, T(3.7), T(2.9)));
+            digest.add(var);
+            digest.add(updateWeight(acc.data() + offset, mean.data(), len, single.data(), T(811), T(0.001)));
+            digest.add(mean);
+            digest.add(single);
+            digest.add(weightedSum(var.data() + offset, acc.data(), mean.data(), len, T(3.7), T(-1.1)));
+            digest.add(mean);
+        });
+    });
+}
+
+void updates()
+{
+    reportUpdates<Zim32f>("model updates_32f", zimsUpdateMean_32f, zimsUpdateVar_32f, zimsUpdateWeight_32f,
+                          zimsUpdateGConst_32f, zimsWeightedSum_32f);
+    reportUpdates<Zim64f>("model updates_64f", zimsUpdateMean_64f, zimsUpdateVar_64f, zimsUpdateWeight_64f,
+                          zimsUpdateGConst_DirectVar_64f, zimsWeightedSumHalf_64f);
+    report("zimsNewVar", [](Digest& digest) {
+        Numbers numbers(13);
+        overLengths([&](int len, int offset) {
+            const auto mean = numbers.between<Zim32f>(len + offset, -9, 9),
+                       varAcc = numbers.between<Zim32f>(len, 0, 999);
+            Floats var(varAcc.size());
+            digest.add(zimsNewVar_32f(mean.data() + offset, varAcc.data(), var.data(), len, 12.7f, 0.07f));
+            digest.add(var);
+            const auto means = numbers.between<Zim32s>(len + offset, -999, 999);
+            auto sums = numbers.between<Zim32s>(len, 0, 2147483647);
+            digest.add(zimsNewVar_32s_ISfs(means.data() + offset, sums.data(), len, 12.7f, 0.07f, 3));
+            digest.add(sums);
+        });
+    });
+    report("zimsWeightedSum_16s", [](Digest& digest) {
+        Numbers numbers(14);
+        overLengths([&](int len, int offset) {
+            const auto a = numbers.between<Zim16s>(len + offset, -32768, 32767),
+                       b = numbers.between<Zim16s>(len, -32768, 32767);
+            std::vector<Zim16s> sum(b.size());
+            digest.add(zimsWeightedSum_16s(a.data() + offset, b.data(), sum.data(), len, 3.7f, -1.1f));
+            digest.add(sum);
+        });
+    });
+}
+
 // run(x, height, width, step) over matrices of many shapes, gaps between the rows included.
 template <class T, class Run>
 void reportMatrices(const char* name, Run run)
@@ -572,5 +631,6 @@ int main()
     blockScores();
     frontEnd();
     conditioning();
+    updates();
     statistics();
 }

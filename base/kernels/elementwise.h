@@ -45,6 +45,15 @@ ZIM_INLINE void mapElements(Result* dst, std::size_t len, Operation operation, c
     }
 }
 
+// The same, one element after the other, so that an element of the sources that has been overwritten counts as it is now:
+// for a destination that overlaps them anyhow. The operation takes scalars.
+template <class Result, class Operation, class... Source>
+ZIM_INLINE void mapInTurn(Result* dst, std::size_t len, Operation operation, const Source*... sources)
+{
+    for (std::size_t i = 0; i < len; ++i)
+        dst[i] = operation(sources[i]...);
+}
+
 // The same for a destination that is none of the sources; all vectors but the first and the last are put on boundaries
 // of a register, which the destination must reach by whole elements.
 template <int N, class Put, class Result, class Operation, class... Source>

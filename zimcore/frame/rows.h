@@ -33,6 +33,13 @@ inline bool allAligned(std::uintptr_t boundary, Pointer... pointers)
     return ((ZIM_UINT_PTR(pointers) | ...) & (boundary - 1)) == 0;
 }
 
+// True if some element belongs to both vectors.
+template <class A, class B>
+inline bool overlap(const A* a, const B* b, std::size_t len)
+{
+    return ZIM_UINT_PTR(a) < ZIM_UINT_PTR(b + len) && ZIM_UINT_PTR(b) < ZIM_UINT_PTR(a + len);
+}
+
 // 1 if a row of the table does not start on a 16-byte boundary, else 0.
 template <class T>
 inline int RowMatrAlErr(T* const* rows, int height)

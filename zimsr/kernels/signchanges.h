@@ -1,4 +1,4 @@
-// Sign changes, counted in blocks of 32 neighbouring pairs: a block becomes a word with a bit set for each change.
+// Sign changes, counted in blocks of 64 neighbouring pairs: a block becomes a word with a bit set for each change.
 #pragma once
 
 #include <algorithm>
@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include <zimsr/types.h>
 
@@ -15,23 +16,24 @@
 namespace zimsr::signchanges {
 
 // An element at any address.
-ZIM_INLINE Zim32f elementAt(const Zim32f* place)
+template <class T>
+ZIM_INLINE T elementAt(const T* place)
 {
-    Zim32f x;
+    T x;
     std::memcpy(&x, place, sizeof x);
     return x;
 }
 
 // The baseline has no instruction for it, and the compiler's substitute is a call (Anderson, "Bit Twiddling Hacks").
-ZIM_INLINE int countSet(std::uint32_t bits)
+ZIM_INLINE int countSet(std::uint64_t bits)
 {
 #if defined(__POPCNT__)
     return std::popcount(bits);
 #else
-    bits -= bits >> 1 & 0x55555555;
-    bits = (bits & 0x33333333) + (bits >> 2 & 0x33333333);
-    bits = (bits + (bits >> 4)) & 0x0F0F0F0F;
-    return static_cast<int>(bits * 0x01010101 >> 24);
+    bits -= bits >> 1 & 0x5555555555555555;
+    bits = (bits & 0x3333333333333333) + (bits >> 2 & 0x3333333333333333);
+    bits = (bits + (bits >> 4)) & 0x0F0F0F0F0F0F0F0F;
+    return static_cast<int>(bits * 0x0101010101010101 >> 56);
 #endif
 }
 
@@ -39,8 +41,8 @@ ZIM_INLINE int countSet(std::uint32_t bits)
 template <class T, class Count>
 ZIM_INLINE Zim64s sumOverPairs(const T* src, std::size_t pairs, Count count)
 {
-    constexpr std::size_t block = 32;
-    constexpr std::uint32_t all = ~std::uint32_t{0};
+    constexpr std::size_t block = 64;
+    constexpr std::uint64_t all = ~std::uint64_t{0};
     if (pairs == 0)
         return 0;
     if (pairs < block) {
@@ -57,23 +59,141 @@ ZIM_INLINE Zim64s sumOverPairs(const T* src, std::size_t pairs, Count count)
     return sum + count(src + last, all << (i - last));
 }
 
-// ---- Pairs with a negative product
+// ---- Neighbours on different sides of a test
 
-inline Zim64s negativeProducts(const Zim16s* src, std::size_t len)
+// A bit for each element of a block.
+template <class Test>
+ZIM_INLINE std::uint64_t testBlock(const Zim32f* x, Test test)
 {
-    return sumOverPairs(src, len - 1, [](const Zim16s* x, std::uint32_t wanted) {
-        const auto product = [x](int k) { return multiplyHigh(load<S16>(x + k), load<S16>(x + k + 1)); };
-        return countSet(signBits(product(0), product(16)) & wanted);
+    const auto half = [=](const Zim32f* y) ZIM_INLINE_LAMBDA {
+        const auto tested = [=](int k) ZIM_INLINE_LAMBDA { return test(load<F8>(y + k)); };
+        return std::uint64_t{signBits(tested(0), tested(8), tested(16), tested(24))};
+    };
+    return half(x) | half(x + 32) << 32;
+}
+
+template <class Test>
+ZIM_INLINE std::uint64_t testBlock(const Zim16s* x, Test test)
+{
+    const auto half = [=](const Zim16s* y) ZIM_INLINE_LAMBDA {
+        return std::uint64_t{signBits(test(load<S16>(y)), test(load<S16>(y + 16)))};
+    };
+    return half(x) | half(x + 32) << 32;
+}
+
+template <class T, class Test>
+ZIM_INLINE int countChanges(const T* x, std::uint64_t wanted, Test test)
+{
+    const std::uint64_t bits = testBlock(x, test);
+    const std::uint64_t behind = bits >> 1 | std::uint64_t{test(elementAt(x + 64))} << 63;
+    return countSet((bits ^ behind) & wanted);
+}
+
+struct Negative {
+    ZIM_INLINE I8 operator()(F8 x) const { return reinterpret<I8>(x); }
+    ZIM_INLINE S16 operator()(S16 x) const { return x; }
+    ZIM_INLINE bool operator()(Zim32f x) const { return std::bit_cast<std::int32_t>(x) < 0; }
+    ZIM_INLINE bool operator()(Zim16s x) const { return x < 0; }
+};
+
+struct Positive {
+    template <class V>
+    ZIM_INLINE auto operator()(V x) const
+    {
+        return x > splat<V>(0);
+    }
+};
+
+// To which a NaN is negative, and no zero.
+struct NotNegative {
+    template <class V>
+    ZIM_INLINE auto operator()(V x) const
+    {
+        return x >= splat<V>(0);
+    }
+};
+
+inline Zim64s signBitChanges(const Zim32f* src, std::size_t len)
+{
+    return sumOverPairs(src, len - 1, [](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
+        return countChanges(x, wanted, Negative{});
     });
 }
 
-// By the sign bits of the products.
-ZIM_INLINE Zim64s signedProducts(const Zim32f* src, std::size_t pairs)
+// The sum of |sgn(x[i + 1]) - sgn(x[i])|: a change between 0 and either sign shows in one of the tests, a change
+// between the signs in both.
+template <class T>
+Zim64s halfSteps(const T* src, std::size_t len)
 {
-    return sumOverPairs(src, pairs, [](const Zim32f* x, std::uint32_t wanted) {
-        const auto product = [x](int k) { return reinterpret<I8>(load<F8>(x + k) * load<F8>(x + k + 1)); };
-        return countSet(signBits(product(0), product(8), product(16), product(24)) & wanted);
+    using AtLeastZero = std::conditional_t<std::is_integral_v<T>, Negative, NotNegative>;
+    return sumOverPairs(src, len - 1, [](const T* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
+        return countChanges(x, wanted, Positive{}) + countChanges(x, wanted, AtLeastZero{});
     });
+}
+
+// ---- Pairs with a negative product
+
+// A counter in each lane. The last vector is stepped back, and counts only what is left.
+ZIM_INLINE S16 countNegative(const Zim16s* x, std::size_t pairs)
+{
+    const auto negative = [](S16 a, S16 b) ZIM_INLINE_LAMBDA { return multiplyHigh(a, b) >> 15; };
+    const auto negativeAt = [=](std::size_t i)
+                                ZIM_INLINE_LAMBDA { return negative(load<S16>(x + i), load<S16>(x + i + 1)); };
+    if (pairs < 16)
+        return -negative(loadFirst<S16>(x, static_cast<int>(pairs)), loadFirst<S16>(x + 1, static_cast<int>(pairs)));
+    S16 even = splat<S16>(0), odd = even;
+    std::size_t i = 0;
+    for (; i + 32 <= pairs; i += 32) {
+        even -= negativeAt(i);
+        odd -= negativeAt(i + 16);
+    }
+    if (i + 16 <= pairs) {
+        even -= negativeAt(i);
+        i += 16;
+    }
+    return even + odd - keep(lastLanes<S16>(static_cast<int>(pairs - i)), negativeAt(pairs - 16));
+}
+
+// Counters are added up before one can overflow.
+inline Zim64s negativeProducts(const Zim16s* src, std::size_t len)
+{
+    constexpr std::size_t stretch = 32767 * 16;
+    Zim64s sum = 0;
+    for (std::size_t first = 0; first < len - 1; first += stretch) {
+        const S16 count = countNegative(src + first, std::min(stretch, len - 1 - first));
+        sum += sumLanes(multiplyAddPairs(count, splat<S16>(1)));
+    }
+    return sum;
+}
+
+inline Zim64s negativeSignBits(const Zim32f* src, std::size_t pairs)
+{
+    return sumOverPairs(src, pairs, [](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
+        const auto half = [](const Zim32f* y) ZIM_INLINE_LAMBDA {
+            const auto product = [=](int k) ZIM_INLINE_LAMBDA {
+                return reinterpret<I8>(load<F8>(y + k) * load<F8>(y + k + 1));
+            };
+            return std::uint64_t{signBits(product(0), product(8), product(16), product(24))};
+        };
+        return countSet((half(x) | half(x + 32) << 32) & wanted);
+    });
+}
+
+// By the sign bits of the products. A product that is a number has the sign that its factors' signs make, and they cost
+// one load of an element where products cost two. The others come of NaN and infinity, which show in the sum of all
+// elements; then the products are formed after all.
+inline Zim64s signedProducts(const Zim32f* src, std::size_t pairs)
+{
+    F8 sum[4] = {};
+    const Zim64s changes = sumOverPairs(src, pairs, [&sum](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
+#pragma GCC unroll 8
+        for (int k = 0; k < 8; ++k)
+            sum[k % 4] += load<F8>(x + 8 * k);
+        return countChanges(x, wanted, Negative{});
+    });
+    const F8 total = (sum[0] + sum[1]) + (sum[2] + sum[3]) + splat<F8>(src[pairs]);
+    const bool allNumbers = allSet(total - total == splat<F8>(0));
+    return allNumbers ? changes : negativeSignBits(src, pairs);
 }
 
 // By comparison, to which -0.0 is not negative, and NaN not at least 0.
@@ -94,64 +214,6 @@ inline Zim64s negativeProducts(const Zim32f* src, std::size_t len)
         return productsBelowZero(src, pairs);
     const std::size_t compared = std::min<std::size_t>(-ZIM_UINT_PTR(src) % 16 / sizeof(Zim32f), pairs);
     return productsBelowZero(src, compared) + signedProducts(src + compared, pairs - compared);
-}
-
-// ---- Neighbours on different sides of a test: a bit for each of 32 elements, and one for the element behind them
-
-ZIM_INLINE int countChanges(std::uint32_t bits, bool next, std::uint32_t wanted)
-{
-    return countSet((bits ^ (bits >> 1 | std::uint32_t{next} << 31)) & wanted);
-}
-
-struct Negative {
-    ZIM_INLINE I8 operator()(F8 x) const { return reinterpret<I8>(x); }
-    ZIM_INLINE bool operator()(Zim32f x) const { return std::bit_cast<std::int32_t>(x) < 0; }
-};
-
-struct Positive {
-    template <class V>
-    ZIM_INLINE auto operator()(V x) const
-    {
-        return x > splat<V>(0);
-    }
-};
-
-struct NotNegative {
-    template <class V>
-    ZIM_INLINE auto operator()(V x) const
-    {
-        return x >= splat<V>(0);
-    }
-};
-
-template <class Test>
-ZIM_INLINE int changesOf(const Zim32f* x, std::uint32_t wanted, Test test)
-{
-    const auto tested = [=](int k) { return test(load<F8>(x + k)); };
-    return countChanges(signBits(tested(0), tested(8), tested(16), tested(24)), test(elementAt(x + 32)), wanted);
-}
-
-template <class Test>
-ZIM_INLINE int changesOf(const Zim16s* x, std::uint32_t wanted, Test test)
-{
-    const auto tested = [=](int k) { return test(load<S16>(x + k)); };
-    return countChanges(signBits(tested(0), tested(16)), test(x[32]), wanted);
-}
-
-inline Zim64s signBitChanges(const Zim32f* src, std::size_t len)
-{
-    return sumOverPairs(src, len - 1,
-                        [](const Zim32f* x, std::uint32_t wanted) { return changesOf(x, wanted, Negative{}); });
-}
-
-// The sum of |sgn(x[i + 1]) - sgn(x[i])|: a change between 0 and either sign shows in one of the tests, a change
-// between the signs in both.
-template <class T>
-Zim64s halfSteps(const T* src, std::size_t len)
-{
-    return sumOverPairs(src, len - 1, [](const T* x, std::uint32_t wanted) {
-        return changesOf(x, wanted, Positive{}) + changesOf(x, wanted, NotNegative{});
-    });
 }
 
 }  // namespace zimsr::signchanges
