@@ -61,24 +61,33 @@ ZIM_INLINE Zim64s sumOverPairs(const T* src, std::size_t pairs, Count count)
 
 // ---- Neighbours on different sides of a test
 
+// The bits of both halves of a block, half(k) being those from element k on.
+template <class Half>
+ZIM_INLINE std::uint64_t wholeBlock(Half half)
+{
+    return std::uint64_t{half(0)} | std::uint64_t{half(32)} << 32;
+}
+
+// The sign bits of what vector(k) gives for eight elements from element k on.
+template <class Vector>
+ZIM_INLINE std::uint64_t signBitsOfEights(Vector vector)
+{
+    return wholeBlock(
+        [=](int k) ZIM_INLINE_LAMBDA { return signBits(vector(k), vector(k + 8), vector(k + 16), vector(k + 24)); });
+}
+
 // A bit for each element of a block.
 template <class Test>
 ZIM_INLINE std::uint64_t testBlock(const Zim32f* x, Test test)
 {
-    const auto half = [=](const Zim32f* y) ZIM_INLINE_LAMBDA {
-        const auto tested = [=](int k) ZIM_INLINE_LAMBDA { return test(load<F8>(y + k)); };
-        return std::uint64_t{signBits(tested(0), tested(8), tested(16), tested(24))};
-    };
-    return half(x) | half(x + 32) << 32;
+    return signBitsOfEights([=](int k) ZIM_INLINE_LAMBDA { return test(load<F8>(x + k)); });
 }
 
 template <class Test>
 ZIM_INLINE std::uint64_t testBlock(const Zim16s* x, Test test)
 {
-    const auto half = [=](const Zim16s* y) ZIM_INLINE_LAMBDA {
-        return std::uint64_t{signBits(test(load<S16>(y)), test(load<S16>(y + 16)))};
-    };
-    return half(x) | half(x + 32) << 32;
+    return wholeBlock([=](int k)
+                          ZIM_INLINE_LAMBDA { return signBits(test(load<S16>(x + k)), test(load<S16>(x + k + 16))); });
 }
 
 template <class T, class Test>
@@ -169,13 +178,9 @@ inline Zim64s negativeProducts(const Zim16s* src, std::size_t len)
 inline Zim64s negativeSignBits(const Zim32f* src, std::size_t pairs)
 {
     return sumOverPairs(src, pairs, [](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
-        const auto half = [](const Zim32f* y) ZIM_INLINE_LAMBDA {
-            const auto product = [=](int k) ZIM_INLINE_LAMBDA {
-                return reinterpret<I8>(load<F8>(y + k) * load<F8>(y + k + 1));
-            };
-            return std::uint64_t{signBits(product(0), product(8), product(16), product(24))};
-        };
-        return countSet((half(x) | half(x + 32) << 32) & wanted);
+        const std::uint64_t bits = signBitsOfEights(
+            [=](int k) ZIM_INLINE_LAMBDA { return reinterpret<I8>(load<F8>(x + k) * load<F8>(x + k + 1)); });
+        return countSet(bits & wanted);
     });
 }
 
