@@ -11,6 +11,7 @@
 #include <zimsr/arithmetic.h>
 #include <zimsr/autocorr.h>
 #include <zimsr/blockdiagonal.h>
+#include <zimsr/columnnorm.h>
 #include <zimsr/columnstats.h>
 #include <zimsr/convert.h>
 #include <zimsr/covariance.h>

@@ -476,6 +476,25 @@ void conditioning()
             zimsCopy_16s(x, y, len);
             return zimsNormEnergy_16s(y, 1 + len % 3, (len + 2) / 3, 50, 1000, scale);
         });
+    report("column normalisation", [](Digest& digest) {
+        Numbers numbers(22);
+        for (int width = 1; width <= 45; ++width) {
+            const int step = width + width % 3, height = 30;
+            auto x = numbers.between<Zim32f>(step * height, -3000, 4000);
+            const auto samples = numbers.between<Zim16s>(step * height, -3000, 4000);
+            Floats sum(static_cast<std::size_t>(width), 3), sumSq(sum);
+            std::vector<Zim32s> rounded(sum.size(), 3), roundedSq(rounded);
+            digest.add(zimsSumMeanVar_32f_I(x.data(), step, height, sum.data(), sumSq.data(), width));
+            digest.add(
+                zimsSumMeanVar_16s32s_ISfs(samples.data(), step, height, rounded.data(), roundedSq.data(), width, 3));
+            digest.add(zimsNormalizeColumn_32f_D2(x.data(), step, height, sum.data(), sumSq.data(), width));
+            digest.add(sum);
+            digest.add(sumSq);
+            digest.add(rounded);
+            digest.add(roundedSq);
+            digest.add(x);
+        }
+    });
     report("zimsEvalFBank_32s_Sfs", [](Digest& digest) {
         Numbers numbers(21);
         std::vector<char> block(1 << 20);
