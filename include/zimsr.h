@@ -23,6 +23,7 @@
 #include <zimsr/logarithm.h>
 #include <zimsr/logdomain.h>
 #include <zimsr/loggauss.h>
+#include <zimsr/loggauss_fixed.h>
 #include <zimsr/mahalanobis.h>
 #include <zimsr/matrixsums.h>
 #include <zimsr/melfbank.h>

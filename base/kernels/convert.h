@@ -91,10 +91,10 @@ ZIM_INLINE S8 quantise(F8 v, Round toInt, Zim16s)
 }
 
 // 2147483647 is no float: what reaches 2^31 converts to INT_MIN, and its bits are turned over.
-template <class Round>
-ZIM_INLINE I8 quantise(F8 v, Round toInt, Zim32s)
+template <int N, class Round>
+ZIM_INLINE Vec<Zim32s, N> quantise(Vec<Zim32f, N> v, Round toInt, Zim32s)
 {
-    return toInt(v) ^ (v >= splat<F8>(2147483648.0f));
+    return toInt(v) ^ (v >= splat<Vec<Zim32f, N>>(2147483648.0f));
 }
 
 template <class Round>

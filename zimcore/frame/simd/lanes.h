@@ -112,4 +112,33 @@ ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
     return whole;
 }
 
+// v in the lower half, zeros in the upper.
+template <class T, int N>
+ZIM_INLINE Vec<T, 2 * N> withZeros(Vec<T, N> v)
+{
+#if defined(__AVX2__)
+    if constexpr (Vec<T, N>::bytes == 16)
+        return {(typename Vec<T, 2 * N>::Part)_mm256_zextsi128_si256((__m128i)v.part[0])};
+    else
+#endif
+        return join(v, splat<Vec<T, N>>(0));
+}
+
+// Lane i of the result is lane i + lanes of v, and zero behind the last; 0 <= lanes <= 8.
+ZIM_INLINE S8 lanesDown(S8 v, int lanes)
+{
+    const __m128i x = (__m128i)v.part[0];
+#if defined(__AVX2__)
+    // Bytes are picked by number; a number of 128 or more picks zero.
+    const __m128i first = _mm_set1_epi8(static_cast<char>(128 - 16 + 2 * lanes));
+    return {(S8::Part)_mm_shuffle_epi8(x, _mm_add_epi8(first, (__m128i)laneIndex<B16>().part[0]))};
+#else
+    const __m128i upper = _mm_srli_si128(x, 8);
+    if (lanes >= 4)
+        return {(S8::Part)_mm_srl_epi64(upper, _mm_cvtsi32_si128(16 * (lanes - 4)))};
+    return {(S8::Part)_mm_or_si128(_mm_srl_epi64(x, _mm_cvtsi32_si128(16 * lanes)),
+                                   _mm_sll_epi64(upper, _mm_cvtsi32_si128(16 * (4 - lanes))))};
+#endif
+}
+
 }  // namespace zimsr

@@ -13,22 +13,6 @@ ZIM_INLINE I8 multiplyWide(S8 a, S8 b)
     return join(I4{(I4::Part)_mm_unpacklo_epi16(low, high)}, I4{(I4::Part)_mm_unpackhi_epi16(low, high)});
 }
 
-// a[2i] * b[2i] + a[2i+1] * b[2i+1]. One sum does not fit: four times -32768 gives INT_MIN.
-ZIM_INLINE I8 multiplyAddPairs(S16 a, S16 b)
-{
-#if defined(__AVX2__)
-    return {(I8::Part)_mm256_madd_epi16((__m256i)a.part[0], (__m256i)b.part[0])};
-#else
-    return {(I8::Part)_mm_madd_epi16((__m128i)a.part[0], (__m128i)b.part[0]),
-            (I8::Part)_mm_madd_epi16((__m128i)a.part[1], (__m128i)b.part[1])};
-#endif
-}
-
-ZIM_INLINE I4 multiplyAddPairs(S8 a, S8 b)
-{
-    return {(I4::Part)_mm_madd_epi16((__m128i)a.part[0], (__m128i)b.part[0])};
-}
-
 // ---- Rows of 16-bit lanes, in as many lanes as are wanted: saturating sums, exact products
 
 namespace simd_detail {
@@ -89,11 +73,25 @@ ZIM_INLINE Vec<int16_t, N> max(Vec<int16_t, N> a, Vec<int16_t, N> b)
     return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::maxs(x, y); }, a, b);
 }
 
-// The upper 16 bits of each product.
+// The lower and the upper 16 bits of each product.
+template <int N>
+ZIM_INLINE Vec<int16_t, N> multiplyLow(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::mullo(x, y); }, a, b);
+}
+
 template <int N>
 ZIM_INLINE Vec<int16_t, N> multiplyHigh(Vec<int16_t, N> a, Vec<int16_t, N> b)
 {
     return simd_detail::eachPart<Vec<int16_t, N>>([](auto x, auto y) { return simd_detail::mulhi(x, y); }, a, b);
+}
+
+// a[2i] * b[2i] + a[2i+1] * b[2i+1]. One sum does not fit: four times -32768 gives INT_MIN.
+template <int N>
+ZIM_INLINE Vec<int32_t, N / 2> multiplyAddPairs(Vec<int16_t, N> a, Vec<int16_t, N> b)
+{
+    using V = Vec<int32_t, N / 2>;
+    return simd_detail::eachPart<V>([](auto x, auto y) { return (typename V::Part)simd_detail::madd(x, y); }, a, b);
 }
 
 // 32-bit lanes made of two 16-bit ones, in the order in which registers unpack; packSaturated restores the lanes' own.
@@ -131,9 +129,7 @@ ZIM_INLINE Unpacked<N> unpack(Vec<int16_t, N> lower, Vec<int16_t, N> upper)
 template <int N>
 ZIM_INLINE Unpacked<N> multiplyUnpacked(Vec<int16_t, N> a, Vec<int16_t, N> b)
 {
-    using V = Vec<int16_t, N>;
-    return unpack(simd_detail::eachPart<V>([](auto x, auto y) { return simd_detail::mullo(x, y); }, a, b),
-                  simd_detail::eachPart<V>([](auto x, auto y) { return simd_detail::mulhi(x, y); }, a, b));
+    return unpack(multiplyLow(a, b), multiplyHigh(a, b));
 }
 
 // Lower half times lower half plus upper half times upper half, as signed numbers.

@@ -26,13 +26,14 @@ ZIM_INLINE double sumLanes(D4 v)
     return sumLanes(lowHalf(v) + highHalf(v));
 }
 
-// Of integers; the sum must fit.
+// Of integers, wrapping around.
 template <class T, int N>
     requires std::is_integral_v<T>
 ZIM_INLINE T sumLanes(Vec<T, N> v)
 {
+    using Unsigned = std::make_unsigned_t<T>;
     if constexpr (N == 2)
-        return v[0] + v[1];
+        return static_cast<T>(static_cast<Unsigned>(v[0]) + static_cast<Unsigned>(v[1]));
     else
         return sumLanes(lowHalf(v) + highHalf(v));
 }
@@ -54,7 +55,8 @@ ZIM_INLINE D4 addHalves(D4 a, D4 b)
 }
 
 // Neighbours of a, then of b, within each half.
-ZIM_INLINE F4 addNeighbours(F4 a, F4 b)
+template <class T>
+ZIM_INLINE Vec<T, 4> addNeighbours(Vec<T, 4> a, Vec<T, 4> b)
 {
     return shuffle<0, 2, 4, 6>(a, b) + shuffle<1, 3, 5, 7>(a, b);
 }
@@ -124,6 +126,16 @@ ZIM_INLINE Folded<D4, 4> foldLanes(const D4 (&v)[4])
 }
 
 ZIM_INLINE D4 sumFolded(Folded<D4, 4> v)
+{
+    return simd_detail::addNeighbours(v.part[0], v.part[1]);
+}
+
+ZIM_INLINE Folded<I4, 4> foldLanes(const I4 (&v)[4])
+{
+    return {{simd_detail::addNeighbours(v[0], v[1]), simd_detail::addNeighbours(v[2], v[3])}};
+}
+
+ZIM_INLINE I4 sumFolded(Folded<I4, 4> v)
 {
     return simd_detail::addNeighbours(v.part[0], v.part[1]);
 }
