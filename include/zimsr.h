@@ -30,6 +30,7 @@
 #include <zimsr/melfbank_fixed.h>
 #include <zimsr/memory.h>
 #include <zimsr/mixture.h>
+#include <zimsr/mixture_fixed.h>
 #include <zimsr/offset.h>
 #include <zimsr/signchanges.h>
 #include <zimsr/sums.h>

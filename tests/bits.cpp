@@ -289,6 +289,65 @@ void scores()
                          });
 }
 
+void fixedScores()
+{
+    report("fixed-point scores", [](Digest& digest) {
+        Numbers numbers(17);
+        for (int width = 1; width <= 45; ++width)
+            for (int height : {1, 4, 7, 130}) {
+                const int step = width + width % 3;
+                const auto mat = numbers.between<Zim16s>(step * height, -32768, 32767),
+                           weights = numbers.between<Zim16s>(step * height, -32768, 32767),
+                           x = numbers.between<Zim16s>(width, -32768, 32767);
+                const auto constants = numbers.between<Zim32f>(height, -40, 0);
+                const auto integers = numbers.between<Zim32s>(height, -1e6, 1e6);
+                auto scores = numbers.between<Zim32f>(height, -1e9, 0);
+                auto running = numbers.between<Zim32s>(height, -1e9, 1e9);
+                for (int factor : {3, 20, -2}) {
+                    const auto weighted = [&](auto& into, auto... doors) {
+                        ((digest.add(doors(mat.data(), step, x.data(), weights.data(), width, into.data(), height, -9,
+                                           factor)),
+                          digest.add(into)),
+                         ...);
+                    };
+                    const auto unweighted = [&](auto& into, auto... doors) {
+                        ((digest.add(doors(mat.data(), step, x.data(), width, into.data(), height, -9, factor)),
+                          digest.add(into)),
+                         ...);
+                    };
+                    const auto gaussians = [&](auto& into, const auto& val, auto... doors) {
+                        ((digest.add(doors(mat.data(), weights.data(), step, x.data(), width, val.data(), into.data(),
+                                           height, factor)),
+                          digest.add(into)),
+                         ...);
+                    };
+                    weighted(scores, zimsLogGauss_Scaled_16s32f_D2, zimsLogGaussMax_LowScaled_16s32f_D2,
+                             zimsLogGaussAdd_Scaled_16s32f_D2, zimsLogGaussAdd_LowScaled_16s32f_D2);
+                    weighted(running, zimsLogGauss_16s32s_D2Sfs, zimsLogGaussMax_16s32s_D2Sfs,
+                             zimsLogGauss_Low_16s32s_D2Sfs, zimsLogGaussMax_Low_16s32s_D2Sfs);
+                    unweighted(scores, zimsLogGauss_IdVarScaled_16s32f_D2, zimsLogGauss_IdVarLowScaled_16s32f_D2);
+                    unweighted(running, zimsLogGauss_IdVar_16s32s_D2Sfs, zimsLogGaussMax_IdVar_16s32s_D2Sfs,
+                               zimsLogGauss_IdVarLow_16s32s_D2Sfs, zimsLogGaussMax_IdVarLow_16s32s_D2Sfs);
+                    gaussians(scores, constants, zimsLogGaussMaxMultiMix_Scaled_16s32f_D2,
+                              zimsLogGaussAddMultiMix_LowScaled_16s32f_D2);
+                    gaussians(running, integers, zimsLogGaussMaxMultiMix_16s32s_D2Sfs,
+                              zimsLogGaussMaxMultiMix_Low_16s32s_D2Sfs);
+                    digest.add(zimsLogGaussMixture_Scaled_16s32f_D2(x.data(), mat.data(), weights.data(), height, step,
+                                                                    width, constants.data(), scores.data(), factor));
+                    digest.add(zimsLogGaussMixture_IdVarScaled_16s32f_D2(x.data(), mat.data(), height, step, width,
+                                                                         constants.data(), scores.data() + height - 1,
+                                                                         factor));
+                    digest.add(scores);
+                    for (auto single : {zimsLogGaussSingle_16s32s_Sfs, zimsLogGaussSingle_Low_16s32s_Sfs,
+                                        zimsLogGaussSingle_DirectVar_16s32s_Sfs}) {
+                        digest.add(single(mat.data(), x.data(), weights.data(), width, running.data(), 5, factor));
+                        digest.add(running);
+                    }
+                }
+            }
+    });
+}
+
 void distances()
 {
     reportScores<Zim32f>("zimsMahDist_32f_D2",
@@ -645,6 +704,7 @@ int main()
     vectors();
     transforms();
     scores();
+    fixedScores();
     distances();
     logDomain();
     blockScores();

@@ -39,14 +39,29 @@ ZIM_INLINE void forEachBlock(int height, Visit visit)
         visit(first, static_cast<int>(std::min<std::ptrdiff_t>(block, height - first)));
 }
 
+struct AccurateAddition {
+    template <class T>
+    void operator()(const T* scores, T* running, std::size_t count) const
+    {
+        logAddAccurate(scores, running, count);
+    }
+};
+
+struct FastAddition {
+    void operator()(const Zim32f* scores, Zim32f* running, std::size_t count) const
+    {
+        logAddFast(scores, running, count);
+    }
+};
+
 // running[i] = ln(exp(score of row i) + exp(running[i]))
-template <int block, class T, class ScoreRows>
+template <int block, class Addition = AccurateAddition, class T, class ScoreRows>
 inline void addScores(T* running, int height, ScoreRows scoreRows)
 {
     alignas(32) T scores[block];
     forEachBlock<block>(height, [&](std::ptrdiff_t first, int count) {
         scoreRows(first, count, scores);
-        logAddAccurate(scores, running + first, static_cast<std::size_t>(count));
+        Addition{}(scores, running + first, static_cast<std::size_t>(count));
     });
 }
 

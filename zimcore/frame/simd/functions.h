@@ -1,8 +1,8 @@
-// Functions of one instruction. min and max are the processor's: the second operand where either is NaN or both
+// Functions of one instruction. min and max of floats are the processor's: the second operand where either is NaN or both
 // are zeros.
 #pragma once
 
-#include "zimcore/frame/simd/vector.h"
+#include "zimcore/frame/simd/operators.h"
 
 namespace zimsr {
 
@@ -39,9 +39,15 @@ ZIM_ON_PARTS(max, float, _mm_max_ps, _mm256_max_ps)
 ZIM_ON_PARTS(max, double, _mm_max_pd, _mm256_max_pd)
 #undef ZIM_ON_PARTS
 
+template <int N>
+ZIM_INLINE Vec<int32_t, N> max(Vec<int32_t, N> a, Vec<int32_t, N> b)
+{
+    return select(a > b, a, b);
+}
+
 // The same of scalars.
 template <class T>
-requires std::is_floating_point_v<T> ZIM_INLINE T max(T a, T b)
+requires std::is_arithmetic_v<T> ZIM_INLINE T max(T a, T b)
 {
     return a > b ? a : b;
 }
