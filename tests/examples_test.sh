@@ -1,6 +1,6 @@
 #!/bin/sh
 # Runs the example programs.
-# usage: examples_test.sh refusals|htk|digits DIGITS FEATURES [SYNTHESISE SPEECH_FOLDER]
+# usage: examples_test.sh refusals|htk|conditioning|digits DIGITS FEATURES [SYNTHESISE SPEECH_FOLDER]
 set -eu
 check=$1 digits=$2 features=$3
 work=$(mktemp -d)
@@ -50,7 +50,7 @@ refusals() {
     refuses "too short" short.wav
 
     tone good.wav 1
-    for arguments in "" "--nonsense $work/good.wav" "$work/good.wav $work/a $work/b"; do
+    for arguments in "" "--nonsense $work/good.wav" "$work/good.wav $work/a $work/b" "--plot"; do
         status=0
         $features $arguments >/dev/null 2>&1 || status=$?
         test $status -eq 2 || fail "features $arguments: exit status $status"
@@ -82,6 +82,41 @@ htk() {
     done
 }
 
+# A sound that swells and fades, so that its frames differ, with and without an offset of a tenth of the range.
+conditioning() {
+    sox -D -n -r 8000 -c 1 -b 16 "$work/sound.wav" synth 1 sine 300:2500 fade t 0.4 1 0.4 gain -9
+    sox -D "$work/sound.wav" "$work/shifted.wav" dcshift 0.1
+    for sound in sound shifted; do
+        "$features" --energy "$work/$sound.wav" "$work/$sound.as-is"
+        "$features" --energy --offset "$work/$sound.wav" "$work/$sound.without"
+    done
+    # Mean difference of the energies, column 13, of two files.
+    difference() {
+        paste "$work/$1" "$work/$2" | awk '{ d = $13 - $52; sum += d < 0 ? -d : d } END { print sum / NR }'
+    }
+    offset=$(difference sound.as-is shifted.as-is) left=$(difference sound.without shifted.without)
+    echo "$offset $left" | awk '{ exit !($1 > 0.05 && $2 < 0.1 * $1) }' ||
+        fail "energies differ by $offset with an offset, by $left without"
+    awk '$13 > max { max = $13 } END { exit !(max == 1) }' "$work/sound.as-is" || fail "the greatest energy is not 1"
+
+    "$features" --cmvn "$work/sound.wav" "$work/normalised"
+    awk '{ for (c = 1; c <= 13; ++c) { sum[c] += $c; squares[c] += $c * $c } }
+         END { for (c = 1; c <= 13; ++c) {
+                   mean = sum[c] / NR; variance = squares[c] / (NR - 1)
+                   if (mean > 1e-3 || mean < -1e-3 || variance > 1.001 || variance < 0.999) exit 1 } }' "$work/normalised" ||
+        fail "mean and variance are not 0 and 1"
+
+    "$features" --htk --energy --cmvn --plot "$work/picture.svg" "$work/sound.wav" "$work/htk"
+    # As in htk(), with energy 0100 instead of C0, and zero mean 04000.
+    test "$(echo $(od -An --endian=big -tu2 -j10 -N2 "$work/htk"))" = 2886 || fail "not MFCC_E_D_A_Z"
+    test "$(tail -c 7 "$work/picture.svg")" = "</svg>" || fail "the picture is not whole"
+    for panel in waveform mel cepstra deltas energy; do
+        grep -q ">$panel</text>" "$work/picture.svg" || fail "the picture has no $panel"
+    done
+    ! "$features" --plot "$work/no/folder" "$work/sound.wav" "$work/out" 2>"$work/fault" || fail "drew into no folder"
+    grep -q "cannot be written" "$work/fault"
+}
+
 # Synthetic voices train, and a human voice is recognised.
 recognition() {
     for program in espeak-ng flite festival; do
@@ -99,6 +134,7 @@ recognition() {
 case $check in
 refusals) refusals ;;
 htk) htk ;;
+conditioning) conditioning ;;
 digits) recognition "$4" "$5" ;;
 *) fail "no check '$check'" ;;
 esac

@@ -64,6 +64,17 @@ int FrontEnd::frameCount(std::size_t sampleCount) const
     return count < frameLength_ ? 0 : 1 + (count - frameLength_) / shift_;
 }
 
+std::vector<float> FrontEnd::logEnergies(const std::vector<float>& samples) const
+{
+    std::vector<float> result(frameCount(samples.size()));
+    for (std::size_t t = 0; t < result.size(); ++t) {
+        const float* start = samples.data() + t * shift_;
+        require(zimsDotProd_32f(start, start, frameLength_, &result[t]));
+    }
+    require(zimsLn_32f_I(result.data(), static_cast<int>(result.size())));  // of digital silence minus infinity
+    return result;
+}
+
 Matrix FrontEnd::melSpectrum(std::vector<float> samples) const
 {
     preEmphasise(samples, settings_.preEmphasis);

@@ -28,6 +28,9 @@ class FrontEnd {
 public:
     explicit FrontEnd(double rate, const FrontEndSettings& settings = {});
 
+    // Natural logarithms of the frames' energies, of the samples as they are.
+    std::vector<float> logEnergies(const std::vector<float>& samples) const;
+
     // Logarithms of the mel filters' energies, one row a frame.
     Matrix melSpectrum(std::vector<float> samples) const;
 

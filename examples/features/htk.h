@@ -6,5 +6,11 @@
 
 #include "common/matrix.h"
 
-// Writes mel-frequency cepstra with C0, deltas and accelerations, a frame every shiftSeconds.
-void writeHtk(std::ostream& out, const Matrix& features, double shiftSeconds);
+// What stands behind the cepstra, and whether their mean has been taken off.
+struct HtkKind {
+    bool energy;  // a log-energy instead of C0
+    bool zeroMean;
+};
+
+// Writes mel-frequency cepstra with C0 or energy, deltas and accelerations, a frame every shiftSeconds.
+void writeHtk(std::ostream& out, const Matrix& features, HtkKind kind, double shiftSeconds);

@@ -11,18 +11,31 @@
 
 #include "common/frontend.h"
 #include "common/wav.h"
+#include "conditioning.h"
 #include "htk.h"
+#include "plot.h"
 
 namespace {
 
 constexpr const char* usage =
-    "usage: features [--htk] RECORDING.wav [FILE]\n"
+    "usage: features [OPTION...] RECORDING.wav [FILE]\n"
     "\n"
     "Writes the mel-frequency cepstra of a recording and their dynamics to FILE or to standard\n"
-    "output: a line of text a frame, or with --htk a parameter file of kind MFCC_0_D_A.\n";
+    "output, a line of text a frame.\n"
+    "\n"
+    "  --offset         removes a constant offset from the samples\n"
+    "  --energy         the log-energy of the frames, normalised to its maximum, in place of C0\n"
+    "  --cmvn           brings the cepstra to mean 0 and variance 1 over the recording\n"
+    "  --htk            writes a parameter file of kind MFCC_0_D_A; with --energy MFCC_E_D_A,\n"
+    "                   with --cmvn also _Z\n"
+    "  --plot FILE.svg  draws waveform, mel spectrogram, cepstra and deltas\n";
 
 struct Options {
+    bool offset = false;
+    bool energy = false;
+    bool cmvn = false;
     bool htk = false;
+    std::optional<std::string> picture;
     std::string recording;
     std::optional<std::string> output;
 };
@@ -31,13 +44,21 @@ std::optional<Options> parse(const std::vector<std::string>& arguments)
 {
     Options options;
     std::vector<std::string> files;
-    for (const std::string& argument : arguments) {
-        if (argument == "--htk")
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        if (*argument == "--offset")
+            options.offset = true;
+        else if (*argument == "--energy")
+            options.energy = true;
+        else if (*argument == "--cmvn")
+            options.cmvn = true;
+        else if (*argument == "--htk")
             options.htk = true;
-        else if (argument.starts_with("--"))
+        else if (*argument == "--plot" && argument + 1 != arguments.end())
+            options.picture = *++argument;
+        else if (argument->starts_with("--"))
             return std::nullopt;
         else
-            files.push_back(argument);
+            files.push_back(*argument);
     }
     if (files.empty() || files.size() > 2)
         return std::nullopt;
@@ -58,10 +79,28 @@ FrontEndSettings wholeBand(int rate)
     return settings;
 }
 
-Matrix extract(const Recording& recording, const FrontEndSettings& settings)
+struct Features {
+    Matrix melSpectrum;
+    Matrix withDynamics;
+};
+
+Features extract(const Recording& recording, const FrontEndSettings& settings, const Options& options)
 {
     const FrontEnd frontEnd(recording.rate, settings);
-    return withDynamics(frontEnd.cepstra(frontEnd.melSpectrum(recording.samples)));
+    const std::vector<float> samples = options.offset ? withoutOffset(recording.samples) : recording.samples;
+    Features features{frontEnd.melSpectrum(samples), {}};
+    Matrix statics = frontEnd.cepstra(features.melSpectrum);
+    if (options.energy) {
+        std::vector<float> energies = frontEnd.logEnergies(samples);
+        normaliseEnergies(energies);
+        for (int t = 0; t < statics.rows; ++t)
+            statics.row(t)[settings.cepstra] = energies[t];
+    }
+    // A normalised energy stays as it is.
+    if (options.cmvn)
+        normaliseMeanAndVariance(statics, options.energy ? settings.cepstra : statics.columns);
+    features.withDynamics = withDynamics(statics);
+    return features;
 }
 
 void writeText(std::ostream& out, const Matrix& features)
@@ -76,18 +115,21 @@ void run(const Options& options)
 {
     const Recording recording = readWav(options.recording);
     const FrontEndSettings settings = wholeBand(recording.rate);
-    const Matrix features = extract(recording, settings);
+    const Features features = extract(recording, settings, options);
 
     std::ofstream file;
     if (options.output)
         file.open(*options.output, std::ios::binary);
     std::ostream& out = options.output ? file : std::cout;
     if (options.htk)
-        writeHtk(out, features, settings.shiftSeconds);
+        writeHtk(out, features.withDynamics, {options.energy, options.cmvn}, settings.shiftSeconds);
     else
-        writeText(out, features);
+        writeText(out, features.withDynamics);
     if (!out.flush())
         throw std::runtime_error(options.output.value_or("standard output") + ": cannot be written");
+    if (options.picture)
+        plotFeatures(*options.picture, recording, settings, features.melSpectrum, features.withDynamics,
+                     options.energy ? "energy" : "C0");
 }
 
 }  // namespace
