@@ -4,27 +4,13 @@
 #include <benchmark/benchmark.h>
 #include <cblas.h>
 
-#include <random>
-#include <vector>
-
 #include <zimsr/loggauss.h>
 #include <zimsr/mixture.h>
 
+#include "feature_data.h"
 #include "loggauss_peer.h"
 
 namespace {
-
-using Floats = std::vector<Zim32f>;
-
-Floats features(int count)
-{
-    std::mt19937 random(1);
-    std::uniform_real_distribution<Zim32f> values(0.5f, 1.5f);
-    Floats x(static_cast<std::size_t>(count));
-    for (Zim32f& value : x)
-        value = values(random);
-    return x;
-}
 
 template <class Score>
 void frames(benchmark::State& state, Score score)

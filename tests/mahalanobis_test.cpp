@@ -1,8 +1,10 @@
 // Mahalanobis distance: every form is the sum inside the Gaussian score, to the bit. Moments: against their formula.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
-#include <limits>
+#include <cstdint>
 #include <vector>
 
 #include <zimsr.h>
@@ -12,6 +14,7 @@
 #include "support/guarded.h"
 #include "support/matrix.h"
 #include "support/random.h"
+#include "support/rounding.h"
 
 namespace zimsr::test {
 namespace {
@@ -131,43 +134,16 @@ TYPED_TEST(Mahalanobis, EveryFormIsTheSumInsideTheScore)
 
 TYPED_TEST(Mahalanobis, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
 {
-    using T = TypeParam;
-    using F = Api<T>;
-    const T* null = nullptr;
-    const T* const* noRows = nullptr;
-    T* nowhere = nullptr;
-    const std::vector<T> x(8, 1);
-    const T* const v = x.data();
-    const T* const rows[] = {v, v};
-    std::vector<T> out(2, 7);
-    T* const dst = out.data();
-    expectStatuses({
-        {"D2: the stride before a null", F::block(null, 3, v, v, 4, dst, 2), zimStsBadStride},
-        {"D2: mat before sizes", F::block(null, 4, v, v, 0, dst, 0), zimStsNullPointer},
-        {"D2: mean", F::block(v, 4, null, v, 4, dst, 2), zimStsNullPointer},
-        {"D2: invVar", F::block(v, 4, v, null, 4, dst, 2), zimStsNullPointer},
-        {"D2: dst", F::block(v, 4, v, v, 4, nowhere, 2), zimStsNullPointer},
-        {"D2: width", F::block(v, 4, v, v, 0, dst, 2), zimStsBadSize},
-        {"D2: height", F::block(v, 4, v, v, 4, dst, 0), zimStsBadSize},
-        {"D2L: rows", F::rows(noRows, v, v, 0, dst, 2), zimStsNullPointer},
-        {"D2L: mean", F::rows(rows, null, v, 4, dst, 2), zimStsNullPointer},
-        {"D2L: invVar", F::rows(rows, v, null, 4, dst, 2), zimStsNullPointer},
-        {"D2L: dst", F::rows(rows, v, v, 4, nowhere, 2), zimStsNullPointer},
-        {"D2L: width", F::rows(rows, v, v, -1, dst, 2), zimStsBadSize},
-        {"D2L: height", F::rows(rows, v, v, 4, dst, 0), zimStsBadSize},
-        {"MultiMix D2: stride", F::mix(null, v, 3, v, 4, dst, 2), zimStsBadStride},
-        {"MultiMix D2: mean", F::mix(null, v, 4, v, 0, dst, 2), zimStsNullPointer},
-        {"MultiMix D2: invVar", F::mix(v, null, 4, v, 4, dst, 2), zimStsNullPointer},
-        {"MultiMix D2: src", F::mix(v, v, 4, null, 4, dst, 2), zimStsNullPointer},
-        {"MultiMix D2: dst", F::mix(v, v, 4, v, 4, nowhere, 2), zimStsNullPointer},
-        {"MultiMix D2: height", F::mix(v, v, 4, v, 4, dst, 0), zimStsBadSize},
-        {"MultiMix D2L: meanRows", F::rowsMix(noRows, rows, v, 0, dst, 2), zimStsNullPointer},
-        {"MultiMix D2L: invVarRows", F::rowsMix(rows, noRows, v, 4, dst, 2), zimStsNullPointer},
-        {"MultiMix D2L: src", F::rowsMix(rows, rows, null, 4, dst, 2), zimStsNullPointer},
-        {"MultiMix D2L: dst", F::rowsMix(rows, rows, v, 4, nowhere, 2), zimStsNullPointer},
-        {"MultiMix D2L: width", F::rowsMix(rows, rows, v, 0, dst, 2), zimStsBadSize},
-    });
-    EXPECT_EQ(out, std::vector<T>(2, 7));
+    using F = Api<TypeParam>;
+    using enum Size;
+    for (auto form : {F::block, F::block1})
+        expectMatrixChecks(form, {step, width, height}, {zimStsBadStride, zimStsNullPointer, zimStsBadSize});
+    for (auto form : {F::mix, F::mix2})
+        expectMatrixChecks(form, {step, width, height}, {zimStsBadStride, zimStsNullPointer, zimStsBadSize});
+    for (auto form : {F::rows, F::rows1})
+        expectMatrixChecks(form, {width, height}, {zimStsNullPointer, zimStsBadSize});
+    for (auto form : {F::rowsMix, F::rowsMix2})
+        expectMatrixChecks(form, {width, height}, {zimStsNullPointer, zimStsBadSize});
     expectPointersThenLength(F::single);
     expectPointersThenLength(F::moments);
 }
@@ -184,6 +160,137 @@ TEST(MahalanobisWidened, EveryOperandIsWidenedFirst)
         EXPECT_TRUE(sameBits(distance, -2 * score)) << width;
     }
     expectPointersThenLength(zimsMahDistSingle_32f64f);
+}
+
+// ---- 16 bits: vectors on a boundary have another arithmetic than all others
+
+struct FixedProblem {
+    std::vector<Zim16s> x, mean, invVar;
+
+    // The differences of small numbers do not saturate.
+    FixedProblem(Random& random, int len, Zim16s bound)
+    {
+        const auto count = static_cast<std::size_t>(len);
+        x = random.vector<Zim16s>(count, static_cast<Zim16s>(-bound), bound);
+        mean = random.vector<Zim16s>(count, static_cast<Zim16s>(-bound), bound);
+        invVar = random.vector<Zim16s>(count, static_cast<Zim16s>(-bound), bound);
+    }
+    std::int64_t exact() const
+    {
+        std::int64_t sum = 0;
+        for (std::size_t j = 0; j < x.size(); ++j) {
+            const std::int64_t difference = std::int64_t{x[j]} - mean[j];
+            sum += difference * difference * invVar[j];
+        }
+        return sum;
+    }
+};
+
+struct FixedArrays {
+    Guarded<Zim16s> x, mean, invVar;
+    int len;
+
+    FixedArrays(const FixedProblem& p, std::size_t a, std::size_t b, std::size_t c)
+        : x(p.x, atOffset(a)),
+          mean(p.mean, atOffset(b)),
+          invVar(p.invVar, atOffset(c)),
+          len(static_cast<int>(p.x.size()))
+    {
+    }
+    float distance() const
+    {
+        float dst = 7;
+        EXPECT_EQ(zimsMahDistSingle_16s32f(x, mean, invVar, len, &dst), zimStsOk);
+        return dst;
+    }
+    Zim32s distance(int scaleFactor) const
+    {
+        Zim32s dst = 7;
+        EXPECT_EQ(zimsMahDistSingle_16s32s_Sfs(x, mean, invVar, len, &dst, scaleFactor), zimStsOk);
+        return dst;
+    }
+};
+
+Zim32s saturated(long double value)
+{
+    return value >= 2147483647.0L ? INT_MAX : value <= -2147483648.0L ? INT_MIN : static_cast<Zim32s>(value);
+}
+
+constexpr int scaleFactors[] = {0,   1,       7,  20,  31,  40,  62,   63,   64,     149,
+                                150, INT_MAX, -1, -13, -31, -64, -127, -128, INT_MIN};
+
+TEST(FixedMahalanobis, OnABoundaryItIsTheSumInsideTheScore)
+{
+    Random random(4);
+    for (int len = 1; len <= 41; ++len)
+        for (Zim16s bound : {Zim16s{9}, Zim16s{300}, Zim16s{32767}}) {
+            const FixedProblem p(random, len, bound);
+            const FixedArrays arrays(p, 0, 16, 32);
+            float score;
+            zimsLogGaussSingle_16s32f(arrays.x, arrays.mean, arrays.invVar, len, &score, 0);
+            const float distance = arrays.distance();
+            EXPECT_TRUE(sameBits(distance, 0 - 2 * score)) << len;
+            for (int factor : scaleFactors) {
+                const long double scaled =
+                    std::ldexp(static_cast<long double>(distance), -std::clamp(factor, -1000, 1000));
+                EXPECT_EQ(arrays.distance(factor), saturated(std::nearbyint(scaled))) << len << ' ' << factor;
+            }
+        }
+}
+
+TEST(FixedMahalanobis, OffABoundaryItIsInFloatsOrExact)
+{
+    Random random(5);
+    for (int len : {1, 2, 5, 7, 8, 9, 15, 16, 17, 40, 63, 64, 65, 128, 131, 1000})
+        for (Zim16s bound : {Zim16s{9}, Zim16s{300}, Zim16s{32767}}) {
+            FixedProblem p(random, len, bound);
+            if (len == 128 && bound == 32767) {  // the greatest sum of a stretch
+                std::fill(p.x.begin(), p.x.end(), Zim16s{-32768});
+                std::fill(p.mean.begin(), p.mean.end(), Zim16s{32767});
+                std::fill(p.invVar.begin(), p.invVar.end(), Zim16s{-32768});
+            }
+            const std::vector<float> x(p.x.begin(), p.x.end()), mean(p.mean.begin(), p.mean.end());
+            const std::vector<float> invVar(p.invVar.begin(), p.invVar.end());
+            float inFloats;
+            zimsMahDistSingle_32f(x.data(), mean.data(), invVar.data(), len, &inFloats);
+            for (const FixedArrays& arrays :
+                 {FixedArrays(p, 2, 0, 0), FixedArrays(p, 0, 8, 0), FixedArrays(p, 0, 0, 14)}) {
+                EXPECT_TRUE(sameBits(arrays.distance(), inFloats)) << len;
+                for (int factor : scaleFactors) {
+                    const long double scaled =
+                        std::ldexp(static_cast<long double>(p.exact()), -std::clamp(factor, -1000, 1000));
+                    EXPECT_EQ(arrays.distance(factor), saturated(std::floor(scaled))) << len << ' ' << factor;
+                }
+            }
+        }
+}
+
+TEST(FixedMahalanobis, ADifferenceBeyondSixteenBits)
+{
+    FixedProblem p(*std::make_unique<Random>(6), 9, 0);
+    p.x[0] = p.x[8] = 20000;
+    p.mean[0] = p.mean[8] = -20000;
+    p.invVar[0] = 1;
+    const auto square = [](std::int64_t difference) { return difference * difference; };
+    EXPECT_EQ(FixedArrays(p, 0, 0, 0).distance(1),
+              square(32767) / 2);  // a full group saturates
+    EXPECT_EQ(FixedArrays(p, 2, 0, 0).distance(1), square(40000) / 2);
+    p.invVar[0] = 0, p.invVar[8] = 1;
+    EXPECT_EQ(FixedArrays(p, 0, 0, 0).distance(1), square(40000) / 2);
+    EXPECT_EQ(FixedArrays(p, 2, 0, 0).distance(1), square(40000) / 2);
+}
+
+TEST(FixedMahalanobis, RoundsToNearestInEveryMode)
+{
+    const FixedProblem p{[] {
+        Random random(7);
+        FixedProblem made(random, 1, 0);
+        made.x[0] = made.invVar[0] = 3;  // the distance 27
+        return made;
+    }()};
+    inEveryRoundingMode([&] { EXPECT_EQ(FixedArrays(p, 0, 0, 0).distance(2), 7); });
+    expectPointersThenLength(zimsMahDistSingle_16s32f);
+    expectPointersThenLength(zimsMahDistSingle_16s32s_Sfs);
 }
 
 // ---- Moments

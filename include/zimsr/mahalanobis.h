@@ -45,6 +45,24 @@ ZIMSR_API ZimStatus zimsMahDistSingle_32f64f(const Zim32f* src, const Zim32f* me
                                              Zim64f* dst);
 /** @} */
 
+/** @name One vector of 16 bits
+ *  What is computed depends on whether src, mean and invVar all start on a 16-byte boundary.
+ *
+ *  - Aligned: as in `zimsLogGaussSingle_16s32f`. The difference saturates in 16 bits in each full group of 8 elements
+ *    and is exact behind the last; its square is a 32-bit integer, and becomes a `Zim32f`, in which it is multiplied
+ * and summed. `Sfs` scales the sum by 2^-scaleFactor, rounds to nearest even and saturates.
+ *  - Otherwise `_16s32f` computes in `Zim32f` from the operands on, differences exact, and `_16s32s_Sfs` forms the
+ * exact sum in 64 bits, shifts it by scaleFactor, to the right with rounding down, and saturates.
+ *
+ *  The two differ where a difference exceeds 16 bits, and by rounding.
+ *  @{
+ */
+ZIMSR_API ZimStatus zimsMahDistSingle_16s32f(const Zim16s* src, const Zim16s* mean, const Zim16s* invVar, int len,
+                                             Zim32f* dst);
+ZIMSR_API ZimStatus zimsMahDistSingle_16s32s_Sfs(const Zim16s* src, const Zim16s* mean, const Zim16s* invVar, int len,
+                                                 Zim32s* dst, int scaleFactor);
+/** @} */
+
 /** @name A block of frames from one Gaussian
  *  dst[i] = distance of frame i, for i = 0 .. height - 1.
  *  @{

@@ -44,12 +44,6 @@ inline Zim32f GetScale_32s32f(int scaleFactor)
     return scales_32f[static_cast<unsigned>(std::clamp(scaleFactor, -128, 150) + 128)];
 }
 
-// value * 2^-scaleFactor; a zero stays zero where the power is infinite.
-inline Zim32f scaledDown(Zim32f value, int scaleFactor)
-{
-    return value == 0 ? value : value * GetScale_32s32f(scaleFactor);
-}
-
 // 2^-scaleFactor, exact; infinite at or below -1024, 0 at or above 1087.
 inline Zim64f GetScale_32s64f(int scaleFactor)
 {

@@ -15,6 +15,7 @@
 #include "zimcore/frame/simd.h"
 #include "zimsr/kernels/blockdiagonal_state.h"
 #include "zimsr/kernels/loggauss.h"
+#include "zimsr/kernels/loggauss_fixed.h"
 #include "zimsr/kernels/rowsums.h"
 
 namespace zimsr {
@@ -93,13 +94,13 @@ inline Zim32f fixedForm(const Zim16s* deviations, const Zim32f* sums, std::size_
 
 inline Zim32f blockScore(const Zim16s* deviations, const Zim32f* sums, std::size_t len, Zim32f gconst, int scaleFactor)
 {
-    return gconst + scaledDown(0 - 0.5f * fixedForm(deviations, sums, len), scaleFactor);
+    return gconst + scaledSum(0 - 0.5f * fixedForm(deviations, sums, len), GetScale_32s32f(scaleFactor));
 }
 
 // Limited to 32 bits and truncated.
 inline Zim32s blockScore(const Zim16s* deviations, const Zim32f* sums, std::size_t len, Zim32s gconst, int scaleFactor)
 {
-    const Zim32f form = scaledDown(fixedForm(deviations, sums, len), scaleFactor);
+    const Zim32f form = scaledSum(fixedForm(deviations, sums, len), GetScale_32s32f(scaleFactor));
     const Zim32f score = static_cast<Zim32f>(gconst) - 0.5f * form;
     return quantise(splat<F8>(score), Truncate{}, Zim32s{})[0];
 }

@@ -26,6 +26,11 @@ ZIM_INLINE double sumLanes(D4 v)
     return sumLanes(lowHalf(v) + highHalf(v));
 }
 
+ZIM_INLINE double sumLanes(D8 v)
+{
+    return sumLanes(lowHalf(v) + highHalf(v));
+}
+
 // Of integers, wrapping around.
 template <class T, int N>
     requires std::is_integral_v<T>
