@@ -32,6 +32,7 @@
 #include <zimsr/mixture.h>
 #include <zimsr/mixture_fixed.h>
 #include <zimsr/offset.h>
+#include <zimsr/selection.h>
 #include <zimsr/signchanges.h>
 #include <zimsr/sums.h>
 #include <zimsr/update.h>

@@ -439,6 +439,42 @@ void blockScores()
                       zimsLogGaussSingle_BlockDVar_16s32f);
 }
 
+void selections()
+{
+    report("zimsLogGaussMixture_Select_32f_D2", [](Digest& digest) {
+        Numbers numbers(14);
+        for (int gaussCount : {1, 8, 9, 33, 200})
+            for (int height : {1, 2, 9, 40}) {
+                const auto src = numbers.between<Zim32f>(13 * height, -4, 4);
+                const auto mean = numbers.between<Zim32f>(13 * gaussCount, -4, 4);
+                const auto invVar = numbers.between<Zim32f>(13 * gaussCount, 0.1, 4);
+                const auto val = numbers.between<Zim32f>(gaussCount, -9, 0);
+                const auto table = numbers.between<Zim8u>((gaussCount + 7) / 8 * height, 0, 256);
+                Floats sums(static_cast<std::size_t>(height));
+                digest.add(zimsLogGaussMixture_Select_32f_D2(src.data(), mean.data(), invVar.data(), 13, 13, val.data(),
+                                                             table.data(), gaussCount, sums.data(), height, -1));
+                digest.add(sums);
+                digest.add(zimsLogGaussMixture_SelectIdVar_32f_D2(src.data(), mean.data(), 13, 13, val.data(),
+                                                                  table.data(), gaussCount, sums.data(), height, -1));
+                digest.add(sums);
+            }
+    });
+    report("zimsBuildSignTable_8u1u", [](Digest& digest) {
+        Numbers numbers(15);
+        for (int bits = 1; bits <= 600; bits += 13) {
+            const int rowBytes = (bits + 11 + 7) / 8;
+            const auto bytes = numbers.between<Zim8u>(5 * rowBytes, 0, 256);
+            const auto indices = numbers.between<Zim32s>(6, 0, 5);
+            const Zim8u* rows[5];
+            for (int r = 0; r < 5; ++r)
+                rows[r] = bytes.data() + r * rowBytes;
+            std::vector<Zim8u> table(static_cast<std::size_t>(3 * ((bits + 7) / 8)));
+            digest.add(zimsBuildSignTable_8u1u(indices.data(), 2, rows, 5, rowBytes, 11, table.data(), 3, bits));
+            digest.add(table);
+        }
+    });
+}
+
 void frontEnd()
 {
     report("zimsEvalFBank_32f", [](Digest& digest) {
@@ -708,6 +744,7 @@ int main()
     distances();
     logDomain();
     blockScores();
+    selections();
     frontEnd();
     conditioning();
     updates();
