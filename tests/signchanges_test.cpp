@@ -132,6 +132,24 @@ TEST(SignChangeRate, ANanCounts)
     EXPECT_EQ(counted(zimsSignChangeRate_32f, x + 8, 3), 1) << "infinity times 0 has one";
 }
 
+// Wherever it stands in a long signal.
+TEST(SignChangeRate, OneElementThatIsNoNumber)
+{
+    Random random(3);
+    for (std::size_t len : {300, 1000})
+        for (std::size_t place : {std::size_t{0}, std::size_t{1}, len / 2, len - 2, len - 1})
+            for (float value : {inf, -inf, std::nanf(""), -std::nanf("")}) {
+                std::vector<float> x;
+                for (std::size_t i = 0; i < len; ++i)
+                    x.push_back(numbers[random.between<std::size_t>(0, numbers.size() - 1)]);
+                x[place] = value;
+                const Guarded<float> src(x, atOffset(0));
+                EXPECT_EQ(counted(zimsSignChangeRate_32f, src.data(), len),
+                          static_cast<float>(countOver(x, 0, len, signOfProduct)))
+                    << value << " at " << place << " of " << len;
+            }
+}
+
 TEST(SignChangeRate, AnArrayOffItsAlignmentIsCompared)
 {
     Random random(2);
@@ -148,6 +166,20 @@ TEST(SignChangeRate, AnArrayOffItsAlignmentIsCompared)
                       0.5f * static_cast<float>(countOver(x, 0, len, halfSteps<float>)));
         }
     }
+}
+
+TEST(SignChangeRate, EveryPairOfALongSignal)
+{
+    constexpr std::size_t len = 600001;
+    std::vector<float> x(len);
+    std::vector<Zim16s> samples(len);
+    for (std::size_t i = 0; i < len; ++i)
+        x[i] = samples[i] = i % 2 ? -1 : 1;
+    EXPECT_EQ(counted(zimsSignChangeRate_32f, x.data(), len), 600000);
+    EXPECT_EQ(counted(zimsSignChangeRate_16s, samples.data(), len), 600000);
+    EXPECT_EQ(counted(zimsSignChangeRate_Count0_32f, x.data(), len), 600000);
+    EXPECT_EQ(counted(zimsSignChangeRate_Count0_16s, samples.data(), len), 600000);
+    EXPECT_EQ(counted(zimsSignChangeRateXor_32f, x.data(), len), 600000);
 }
 
 TEST(SignChangeRate, ChecksComeInTheirOrder)

@@ -186,9 +186,12 @@ inline Zim64s negativeSignBits(const Zim32f* src, std::size_t pairs)
 
 // By the sign bits of the products. A product that is a number has the sign that its factors' signs make, and they cost
 // one load of an element where products cost two. The others come of NaN and infinity, which show in the sum of all
-// elements; then the products are formed after all.
+// elements; then the products are formed after all, as they are for a short signal, where the sum costs more than the
+// loads.
 inline Zim64s signedProducts(const Zim32f* src, std::size_t pairs)
 {
+    if (pairs < 256)
+        return negativeSignBits(src, pairs);
     F8 sum[4] = {};
     const Zim64s changes = sumOverPairs(src, pairs, [&sum](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
 #pragma GCC unroll 8
