@@ -82,7 +82,7 @@ struct IdVarLowForm {
     static void choose(int scaleFactor, Run run)
     {
         if constexpr (isInteger<Score>)
-            run(Pairs<AsShifted>{{{-1 - limited(scaleFactor)}}}, PlusSum{});
+            run(Pairs<AsShifted>{{-1 - limited(scaleFactor)}}, PlusSum{});
         else
             run(Pairs<AsFloats>{}, minusScaledSum<Score>(scaleFactor));
     }
