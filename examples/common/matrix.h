@@ -5,17 +5,20 @@
 #include <cstddef>
 #include <vector>
 
-struct Matrix {
-    Matrix() = default;
-    Matrix(int rowCount, int columnCount)
-        : rows(rowCount), columns(columnCount), values(static_cast<std::size_t>(rowCount) * columnCount)
+template <class T>
+struct MatrixOf {
+    MatrixOf() = default;
+    MatrixOf(int rowCount, int columnCount, T value = T())
+        : rows(rowCount), columns(columnCount), values(static_cast<std::size_t>(rowCount) * columnCount, value)
     {
     }
 
-    float* row(int r) { return values.data() + static_cast<std::size_t>(r) * columns; }
-    const float* row(int r) const { return values.data() + static_cast<std::size_t>(r) * columns; }
+    T* row(int r) { return values.data() + static_cast<std::size_t>(r) * columns; }
+    const T* row(int r) const { return values.data() + static_cast<std::size_t>(r) * columns; }
 
     int rows = 0;
     int columns = 0;
-    std::vector<float> values;
+    std::vector<T> values;
 };
+
+using Matrix = MatrixOf<float>;

@@ -11,7 +11,7 @@ constexpr double formantScales[] = {0.87, 0.91, 0.95, 1, 1.05, 1.1, 1.16};
 
 Answer mostLikelyWord(const Models& models, const Matrix& features)
 {
-    const std::vector<float> silence = logLikelihoods(models.silence, features);
+    const std::vector<float> silence = logLikelihoods(models.silence.mixture, features);
     std::vector<Path> paths;
     for (const Word& word : models.words)
         paths.push_back(bestPath(word, models.silence, features, silence));

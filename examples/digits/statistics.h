@@ -1,32 +1,41 @@
-// What is gathered from aligned frames, and the parameters that make these frames most likely.
+// What is gathered from aligned frames, and the parameters that make these frames more likely.
 #pragma once
 
 #include <vector>
 
 #include "model.h"
 
-class GaussianStatistics {
+// One step of expectation and maximisation: each frame is dealt to the Gaussians by their parts in its likelihood.
+//
+// Dempster, Laird, Rubin, "Maximum likelihood from incomplete data via the EM algorithm", Journal of the Royal
+// Statistical Society B 39 (1977).
+class MixtureStatistics {
 public:
-    explicit GaussianStatistics(int width) : sum_(width), sumOfSquares_(width) {}
+    explicit MixtureStatistics(const Mixture& mixture);
 
     void add(const float* frame);
-    int frames() const { return frames_; }
-    std::vector<double> variance() const;
 
-    // A variance below its floor is raised to it.
-    Gaussian estimate(const std::vector<double>& varianceFloor) const;
+    // A variance below its floor is raised to it. A Gaussian that no frame fell to stays as it was.
+    Mixture estimate(const std::vector<float>& varianceFloor) const;
 
 private:
-    std::vector<double> sum_;
-    std::vector<double> sumOfSquares_;
-    int frames_ = 0;
+    Mixture mixture_;
+    Matrix deviations_;  // from the means, and their squares: sums over the frames
+    Matrix squares_;
+    std::vector<float> occupancies_;
 };
 
-struct StateStatistics {
-    explicit StateStatistics(int width) : gaussian(width) {}
+class StateStatistics {
+public:
+    explicit StateStatistics(const State& state) : state_(state), mixture_(state.mixture) {}
 
-    State estimate(const std::vector<double>& varianceFloor) const;
+    // A visit begins with a frame that the state was entered for.
+    void add(const float* frame, bool entered);
+    State estimate(const std::vector<float>& varianceFloor) const;
 
-    GaussianStatistics gaussian;
-    int visits = 0;  // how often a path came through the state, for however many frames
+private:
+    State state_;
+    MixtureStatistics mixture_;
+    int frames_ = 0;
+    int visits_ = 0;
 };

@@ -10,15 +10,11 @@
 
 namespace {
 
+using Examples = std::vector<const Example*>;
 using Alignment = std::vector<int>;
 
-int width(const std::vector<const Example*>& examples)
-{
-    return examples.front()->features.columns;
-}
-
-// As many states as the word's examples on average have steps of framesPerState frames.
-std::vector<int> countStates(const std::vector<const Example*>& examples, double framesPerState)
+// As many states as the word's examples on average have steps of framesPerState frames. Every word must have one.
+std::vector<int> countStates(const Examples& examples, double framesPerState)
 {
     std::vector<double> frames(wordCount), count(wordCount);
     for (const Example* example : examples) {
@@ -34,6 +30,26 @@ std::vector<int> countStates(const std::vector<const Example*>& examples, double
     return result;
 }
 
+Mixture gaussianOfAllFrames(const Examples& examples)
+{
+    const int width = examples.front()->features.columns;
+    MixtureStatistics all(standardGaussian(width));
+    for (const Example* example : examples)
+        for (int t = 0; t < example->features.rows; ++t)
+            all.add(example->features.row(t));
+    return all.estimate(std::vector<float>(width));
+}
+
+// Every state may be any.
+Models alikeModels(const Mixture& gaussian, const std::vector<int>& stateCounts)
+{
+    const State any{gaussian, std::log(0.5f), std::log(0.5f)};
+    Models models{any, {}};
+    for (const int count : stateCounts)
+        models.words.emplace_back(count, any);
+    return models;
+}
+
 Alignment evenAlignment(const Example& example, int states)
 {
     const Span speech = example.speech;
@@ -43,61 +59,88 @@ Alignment evenAlignment(const Example& example, int states)
     return alignment;
 }
 
-Models estimate(const std::vector<const Example*>& examples, const std::vector<Alignment>& alignments,
-                const std::vector<int>& stateCounts, double varianceFloor)
+// An example that is too short for its word is passed over.
+Alignment bestAlignment(const Example& example, const Models& models)
 {
-    const StateStatistics empty(width(examples));
-    StateStatistics silence = empty;
-    GaussianStatistics all = empty.gaussian;
-    std::vector<std::vector<StateStatistics>> words;
-    for (const int count : stateCounts)
-        words.emplace_back(count, empty);
-
-    for (std::size_t i = 0; i < examples.size(); ++i) {
-        std::vector<StateStatistics>& word = words[examples[i]->word];
-        const Alignment& alignment = alignments[i];
-        for (int t = 0; t < static_cast<int>(alignment.size()); ++t) {
-            const int s = alignment[t];
-            const bool silent = s == 0 || s > static_cast<int>(word.size());
-            StateStatistics& state = silent ? silence : word[s - 1];
-            const float* frame = examples[i]->features.row(t);
-            state.gaussian.add(frame);
-            state.visits += t == 0 || s != alignment[t - 1];
-            all.add(frame);
-        }
-    }
-
-    std::vector<double> floor = all.variance();
-    for (double& variance : floor)
-        variance *= varianceFloor;
-    Models models{silence.estimate(floor), {}};
-    for (const std::vector<StateStatistics>& word : words) {
-        models.words.emplace_back();
-        for (const StateStatistics& state : word)
-            models.words.back().push_back(state.estimate(floor));
-    }
-    return models;
+    Path path = bestPath(models.words[example.word], models.silence, example.features,
+                         logLikelihoods(models.silence.mixture, example.features));
+    return std::isfinite(path.logLikelihood) ? std::move(path.states) : Alignment();
 }
+
+// A training in progress.
+class Trainer {
+public:
+    Trainer(const Examples& examples, const TrainingSettings& settings) : examples_(examples)
+    {
+        const std::vector<int> stateCounts = countStates(examples, settings.framesPerState);
+        const Mixture all = gaussianOfAllFrames(examples);
+        for (int j = 0; j < all.width(); ++j)
+            varianceFloor_.push_back(settings.varianceFloor / all.inverseVariances.row(0)[j]);
+        models_ = alikeModels(all, stateCounts);
+        for (const Example* example : examples)
+            alignments_.push_back(evenAlignment(*example, static_cast<int>(models_.words[example->word].size())));
+        reestimate();
+    }
+
+    void pass()
+    {
+        for (std::size_t i = 0; i < examples_.size(); ++i)
+            alignments_[i] = bestAlignment(*examples_[i], models_);
+        reestimate();
+    }
+
+    void splitGaussians()
+    {
+        models_.silence.mixture = split(models_.silence.mixture);
+        for (Word& word : models_.words)
+            for (State& state : word)
+                state.mixture = split(state.mixture);
+    }
+
+    const Models& models() const { return models_; }
+
+private:
+    void reestimate()
+    {
+        StateStatistics silence(models_.silence);
+        std::vector<std::vector<StateStatistics>> words;
+        for (const Word& word : models_.words)
+            words.emplace_back(word.begin(), word.end());
+
+        for (std::size_t i = 0; i < examples_.size(); ++i) {
+            std::vector<StateStatistics>& word = words[examples_[i]->word];
+            const Alignment& alignment = alignments_[i];
+            for (int t = 0; t < static_cast<int>(alignment.size()); ++t) {
+                const int s = alignment[t];
+                const bool silent = s == 0 || s > static_cast<int>(word.size());
+                StateStatistics& state = silent ? silence : word[s - 1];
+                state.add(examples_[i]->features.row(t), t == 0 || s != alignment[t - 1]);
+            }
+        }
+
+        models_.silence = silence.estimate(varianceFloor_);
+        for (std::size_t w = 0; w < words.size(); ++w)
+            std::transform(words[w].begin(), words[w].end(), models_.words[w].begin(),
+                           [&](const StateStatistics& state) { return state.estimate(varianceFloor_); });
+    }
+
+    const Examples& examples_;
+    std::vector<float> varianceFloor_;
+    Models models_;
+    std::vector<Alignment> alignments_;
+};
 
 }  // namespace
 
-Models train(const std::vector<const Example*>& examples, const TrainingSettings& settings)
+Models train(const Examples& examples, const TrainingSettings& settings)
 {
-    const std::vector<int> counts = countStates(examples, settings.framesPerState);
-    std::vector<Alignment> alignments;
-    for (const Example* example : examples)
-        alignments.push_back(evenAlignment(*example, counts[example->word]));
-    Models models = estimate(examples, alignments, counts, settings.varianceFloor);
-
-    for (int pass = 0; pass < settings.passes; ++pass) {
-        for (std::size_t i = 0; i < examples.size(); ++i) {
-            const Matrix& features = examples[i]->features;
-            Path path = bestPath(models.words[examples[i]->word], models.silence, features,
-                                 logLikelihoods(models.silence, features));
-            // An example that is too short for its word is passed over.
-            alignments[i] = std::isfinite(path.logLikelihood) ? std::move(path.states) : Alignment();
-        }
-        models = estimate(examples, alignments, counts, settings.varianceFloor);
+    Trainer trainer(examples, settings);
+    for (int pass = 0; pass < settings.passes; ++pass)
+        trainer.pass();
+    for (int split = 0; split < settings.splits; ++split) {
+        trainer.splitGaussians();
+        for (int pass = 0; pass < settings.passesAfterSplit; ++pass)
+            trainer.pass();
     }
-    return models;
+    return trainer.models();
 }

@@ -14,7 +14,7 @@ Path bestPath(const Word& word, const State& silence, const Matrix& features,
     std::vector<std::vector<float>> likelihoods = {silenceLikelihoods};
     for (const State& state : word) {
         states.push_back(&state);
-        likelihoods.push_back(logLikelihoods(state, features));
+        likelihoods.push_back(logLikelihoods(state.mixture, features));
     }
     states.push_back(&silence);
     likelihoods.push_back(silenceLikelihoods);
