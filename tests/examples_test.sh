@@ -117,7 +117,7 @@ conditioning() {
     grep -q "cannot be written" "$work/fault"
 }
 
-# Synthetic voices train, and a human voice is recognised.
+# Synthetic voices train, and a human voice is recognised, in 16 bits as in floating point.
 recognition() {
     for program in espeak-ng flite festival; do
         command -v $program >/dev/null || { echo "skipped: $program is not installed"; exit 77; }
@@ -125,9 +125,11 @@ recognition() {
     recordings=$(dpkg -L asterisk-core-sounds-en-wav | grep -E '/digits/([0-9]|oh)\.wav$') ||
         { echo "skipped: no recordings"; exit 77; }
     "$1" "$2"
-    "$digits" --plot "$work/plot.svg" "$2" $recordings | tee "$work/report"
+    "$digits" --fixed --plot "$work/plot.svg" "$2" $recordings | tee "$work/report"
     right=$(sed -n 's/^accuracy: \([0-9]*\) of 11,.*/\1/p' "$work/report")
     test "$right" -ge 10 || fail "only $right of 11 recognised"
+    others=$(sed -n 's/^cost of 16 bits: \([0-9]*\) of 11 answers differ.*/\1/p' "$work/report")
+    test "$others" -le 1 || fail "$others answers differ between 16 bits and floating point"
     test "$(tail -c 7 "$work/plot.svg")" = "</svg>" || fail "the picture is not whole"
 }
 

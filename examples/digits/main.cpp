@@ -18,15 +18,17 @@
 namespace {
 
 constexpr const char* usage =
-    "usage: digits [--validate] [--plot FILE.svg] TRAINING_FOLDER [RECORDING.wav ...]\n"
+    "usage: digits [--fixed] [--validate] [--plot FILE.svg] TRAINING_FOLDER [RECORDING.wav ...]\n"
     "\n"
     "Trains a model of each word from zero to nine and oh, and recognises the recordings,\n"
     "which are taken for the same voice over the same channel.\n"
     "\n"
+    "  --fixed          recognise with features and models in 16 bits, and tell what that costs\n"
     "  --validate       recognise each training speaker by models of the others\n"
     "  --plot FILE.svg  draw the first recording and how it was recognised\n";
 
 struct Options {
+    bool fixed = false;
     bool validate = false;
     std::optional<std::string> plot;
     std::string trainingFolder;
@@ -38,7 +40,9 @@ std::optional<Options> parse(const std::vector<std::string>& arguments)
     Options options;
     std::vector<std::string> files;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (arguments[i] == "--validate")
+        if (arguments[i] == "--fixed")
+            options.fixed = true;
+        else if (arguments[i] == "--validate")
             options.validate = true;
         else if (arguments[i] == "--plot" && i + 1 < arguments.size())
             options.plot = arguments[++i];
@@ -76,14 +80,20 @@ Models trainOn(const std::vector<Voice>& voices)
     return models;
 }
 
-void recogniseAll(const Models& models, const std::vector<Recording>& recordings,
-                  const std::optional<std::string>& plot)
+template <class AnyModels>
+Hearing recogniseAll(const AnyModels& models, const std::vector<Recording>& recordings)
 {
     const Stopwatch watch;
-    const Hearing hearing = recognise(models, recordings);
+    Hearing hearing = recognise(models, recordings);
     reportHearing(std::cout, recordings, hearing, watch.seconds());
-    if (plot)
-        plotFirst(*plot, recordings.front(), hearing);
+    return hearing;
+}
+
+Hearing recogniseInFixedPoint(const Models& models, const std::vector<Recording>& recordings)
+{
+    Hearing hearing = recogniseAll(quantise(models), recordings);
+    reportCost(std::cout, recordings, recognise(models, recordings), hearing);
+    return hearing;
 }
 
 void run(const Options& options)
@@ -95,9 +105,14 @@ void run(const Options& options)
 
     const std::vector<Voice> voices = readVoices(options.trainingFolder);
     if (options.validate)
-        validate(voices, std::cout);
-    if (!recordings.empty())
-        recogniseAll(trainOn(voices), recordings, options.plot);
+        validate(voices, options.fixed, std::cout);
+    if (recordings.empty())
+        return;
+    const Models models = trainOn(voices);
+    const Hearing hearing =
+        options.fixed ? recogniseInFixedPoint(models, recordings) : recogniseAll(models, recordings);
+    if (options.plot)
+        plotFirst(*options.plot, recordings.front(), hearing);
 }
 
 }  // namespace

@@ -7,16 +7,24 @@
 
 #include "mixture.h"
 
-struct State {
+// Mixtures are in floating point or in 16 bits.
+template <class Mixture>
+struct StateOf {
     Mixture mixture;
     float logStay = 0;   // logarithm of the probability that the next frame is in this state too
     float logLeave = 0;  // and of that it is in the next state
 };
 
-using Word = std::vector<State>;
+template <class Mixture>
+using WordOf = std::vector<StateOf<Mixture>>;
 
 // Every word stands between two silences, which may be left out.
-struct Models {
-    State silence;
-    std::vector<Word> words;
+template <class Mixture>
+struct ModelsOf {
+    StateOf<Mixture> silence;
+    std::vector<WordOf<Mixture>> words;
 };
+
+using State = StateOf<Mixture>;
+using Word = WordOf<Mixture>;
+using Models = ModelsOf<Mixture>;

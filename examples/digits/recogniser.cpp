@@ -9,11 +9,22 @@ namespace {
 // From a tall man's to a child's. The highest leaves the band of the front end below half of 8000 Hz.
 constexpr double formantScales[] = {0.87, 0.91, 0.95, 1, 1.05, 1.1, 1.16};
 
-Answer mostLikelyWord(const Models& models, const Matrix& features)
+const Matrix& featuresFor(const Models&, const Utterance& utterance)
+{
+    return utterance.features;
+}
+
+FixedMatrix featuresFor(const FixedModels& models, const Utterance& utterance)
+{
+    return quantise(utterance.features, models.units);
+}
+
+template <class Mixture, class Features>
+Answer mostLikelyWord(const ModelsOf<Mixture>& models, const Features& features)
 {
     const std::vector<float> silence = logLikelihoods(models.silence.mixture, features);
     std::vector<Path> paths;
-    for (const Word& word : models.words)
+    for (const WordOf<Mixture>& word : models.words)
         paths.push_back(bestPath(word, models.silence, features, silence));
 
     std::vector<int> ranking(paths.size());
@@ -25,11 +36,12 @@ Answer mostLikelyWord(const Models& models, const Matrix& features)
     return {first, second, margin, std::move(paths[first])};
 }
 
-Hearing hear(const Models& models, const std::vector<Recording>& voice, double formantScale)
+template <class AnyModels>
+Hearing hear(const AnyModels& models, const std::vector<Recording>& voice, double formantScale)
 {
     Hearing hearing{formantScale, analyse(voice, formantScale), {}};
     for (std::size_t i = 0; i < voice.size(); ++i) {
-        hearing.answers.push_back(mostLikelyWord(models, hearing.utterances[i].features));
+        hearing.answers.push_back(mostLikelyWord(models, featuresFor(models, hearing.utterances[i])));
         if (std::isinf(hearing.answers.back().path.logLikelihood))
             throw BadRecording(voice[i].file, "too short for any word");
     }
@@ -47,9 +59,8 @@ double logLikelihoodPerFrame(const Hearing& hearing)
     return sum / frames;
 }
 
-}  // namespace
-
-Hearing recognise(const Models& models, const std::vector<Recording>& voice)
+template <class AnyModels>
+Hearing hearAtBestScale(const AnyModels& models, const std::vector<Recording>& voice)
 {
     Hearing best;
     double bestLikelihood = 0;
@@ -62,4 +73,16 @@ Hearing recognise(const Models& models, const std::vector<Recording>& voice)
         }
     }
     return best;
+}
+
+}  // namespace
+
+Hearing recognise(const Models& models, const std::vector<Recording>& voice)
+{
+    return hearAtBestScale(models, voice);
+}
+
+Hearing recognise(const FixedModels& models, const std::vector<Recording>& voice)
+{
+    return hearAtBestScale(models, voice);
 }

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "fixed.h"
 #include "model.h"
 #include "utterance.h"
 #include "viterbi.h"
@@ -24,3 +25,6 @@ struct Hearing {
 // Hears the voice as that of speakers of several sizes, and believes the most likely. Throws BadRecording on a
 // recording that is shorter than every word.
 Hearing recognise(const Models& models, const std::vector<Recording>& voice);
+
+// The same in 16 bits.
+Hearing recognise(const FixedModels& models, const std::vector<Recording>& voice);

@@ -53,7 +53,7 @@ std::ostream& operator<<(std::ostream& out, const Tally& tally)
 
 }  // namespace
 
-void validate(const std::vector<Voice>& voices, std::ostream& out)
+void validate(const std::vector<Voice>& voices, bool fixed, std::ostream& out)
 {
     std::set<std::string> speakers;
     std::vector<std::vector<Example>> examples;
@@ -71,11 +71,13 @@ void validate(const std::vector<Voice>& voices, std::ostream& out)
                 for (const Example& example : examples[v])
                     known.push_back(&example);
         const Models models = train(known);
+        const FixedModels fixedModels = quantise(models);
 
         Tally tally;
         for (const Voice& voice : voices)
             if (voice.speaker == speaker)
-                tally.add(voice, recognise(models, voice.recordings));
+                tally.add(voice,
+                          fixed ? recognise(fixedModels, voice.recordings) : recognise(models, voice.recordings));
         sumOfShares += tally.percentRight();
         out << std::left << std::setw(16) << speaker << std::right << tally << '\n';
     }

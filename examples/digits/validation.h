@@ -7,5 +7,6 @@
 
 #include "corpus.h"
 
-// Leaves out each speaker in turn, trains on all others and recognises the one left out. Prints a line per speaker.
-void validate(const std::vector<Voice>& voices, std::ostream& out);
+// Leaves out each speaker in turn, trains on all others and recognises the one left out, in floating point or in 16
+// bits. Prints a line per speaker.
+void validate(const std::vector<Voice>& voices, bool fixed, std::ostream& out);
