@@ -62,10 +62,12 @@ Column<float> expectedFloats(const Problem<T>& p, std::size_t c)
     return {m, aboutGiven * invH1, (sumDown(p.height, 0.0f, square) - h * m * m) * invH1};
 }
 
-// round(v * 2^-scaleFactor), ties to even, saturated.
+// round(v * 2^-scaleFactor), ties to even, saturated. The variance of one row is NaN, and not looked at.
 template <class Int>
 Int rounded(double v, int scaleFactor)
 {
+    if (std::isnan(v))
+        return 0;
     const double scaled = std::nearbyint(std::ldexp(v, -std::clamp(scaleFactor, -2000, 2000)));
     return static_cast<Int>(
         std::clamp<double>(scaled, std::numeric_limits<Int>::min(), std::numeric_limits<Int>::max()));
@@ -81,6 +83,8 @@ Column<Zim16s> expectedRounded(const Problem<Zim16s>& p, std::size_t c, int scal
 // An arithmetic shift of an integer, saturated.
 Zim16s shifted(float t, int scaleFactor)
 {
+    if (std::isnan(t))
+        return 0;
     const double v = std::floor(std::ldexp(std::trunc(static_cast<double>(t)), -std::clamp(scaleFactor, -100, 100)));
     return static_cast<Zim16s>(std::clamp(v, -32768.0, 32767.0));
 }
