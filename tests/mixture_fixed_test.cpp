@@ -108,6 +108,9 @@ struct Bound {
     Run run;
 };
 
+template <class Run>
+Bound(std::vector<Size>, bool, Run) -> Bound<Run>;
+
 template <class S, class... Factor>
 auto bind(ZimStatus (*door)(V, int, V, V, int, S*, int, S, Factor...))
 {
