@@ -54,10 +54,10 @@ template <class T>
 using RowTerm = std::conditional_t<std::is_integral_v<T>, IntegerProduct, Product<FloatVector<T>>>;
 
 template <class T>
-using RowSum = typename RowTerm<T>::Sum::Lane;
+using RowSumOf = typename RowTerm<T>::Sum::Lane;
 
 template <class T>
-inline void multiplyRows(const BlockDMatrixFields<T>& matrix, const T* deviations, RowSum<T>* sums)
+inline void multiplyRows(const BlockDMatrixFields<T>& matrix, const T* deviations, RowSumOf<T>* sums)
 {
     std::ptrdiff_t first = 0;
     for (Zim32s b = 0; b < matrix.blockCount; ++b) {

@@ -53,7 +53,7 @@ ZimStatus scoreBlocks(const BlockDMatrixFields<T>& matrix, const T* src, const T
     constexpr std::size_t automatic = 111;
     const std::size_t len = static_cast<std::size_t>(matrix.total);
     Scratch<T, automatic> deviations(len);
-    Scratch<RowSum<T>, automatic> sums(len);
+    Scratch<RowSumOf<T>, automatic> sums(len);
     if (!deviations || !sums)
         return zimStsAllocFailed;
     subtractMean(src, mean, deviations.data(), len);
