@@ -6,7 +6,6 @@
 #pragma once
 
 #include <functional>
-#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <vector>
@@ -55,6 +54,13 @@ struct Dimension {
     operator int() const { return value; }
 };
 
+// The constants of many Gaussians.
+template <class Score>
+struct Constants {
+    const Score* first;
+    operator const Score*() const { return first; }
+};
+
 // Results that stand where the constants stood.
 template <class Score>
 struct OverConstants {
@@ -94,7 +100,7 @@ auto argumentsOf(const ScoreArrays<T, Score>& a, int r, int factor)
     const Dimension<Size::height> height{a.height};
     const T *mat = a.mat.data(), *weightMat = a.weightMat.data(), *x = a.x, *weights = a.weights;
     const T *const *rows = a.rows.data(), *const *weightRows = a.weightRows.data();
-    const Score* constants = a.constants;
+    const Constants<Score> constants{a.constants};
     Score* running = a.running;
     const OverConstants<Score> over{running};
     const auto fitting = [&](auto... f) {
@@ -153,8 +159,9 @@ struct ScoreDoor {
     using Arrays = ScoreArrays<T, Score>;
 
     const char* name;
+    bool ofOneVector, hasFactor;
     // Whether each row has its own weights and constant.
-    bool manyGaussians, hasFactor;
+    bool manyGaussians;
     std::function<ZimStatus(const Arrays&, int factor)> run;
     // The order of faults in a block; rows have no stride, and one vector has its pointers checked first.
     std::function<void(const std::vector<ZimStatus>& order)> expectChecks;
@@ -164,8 +171,8 @@ struct ScoreDoor {
     {
         using Door = decltype(door);
         using Is = Signature<decltype(argumentsOf<Door>(std::declval<const Arrays&>(), 0, 0))>;
-        manyGaussians = Is::ofOneVector || std::string_view(name).find("Mix") != std::string_view::npos ||
-                        std::string_view(name).find("2_") != std::string_view::npos;
+        ofOneVector = Is::ofOneVector;
+        manyGaussians = ofOneVector || Is::template has<Constants<Score>> || Is::template has<OverConstants<Score>>;
         hasFactor = Is::hasFactor;
         run = [door](const Arrays& a, int factor) {
             if constexpr (Is::template has<OverConstants<Score>>)
