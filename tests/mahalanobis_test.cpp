@@ -12,154 +12,80 @@
 #include "support/compare.h"
 #include "support/door_checks.h"
 #include "support/guarded.h"
-#include "support/matrix.h"
 #include "support/random.h"
 #include "support/rounding.h"
+#include "support/score_doors.h"
 
 namespace zimsr::test {
 namespace {
 
-#define FUNCTIONS_OF_TYPE(T, tag)                                        \
-    template <>                                                          \
-    struct Api<T> {                                                      \
-        static constexpr auto score = zimsLogGaussSingle_##tag;          \
-        static constexpr auto single = zimsMahDistSingle_##tag;          \
-        static constexpr auto block = zimsMahDist_##tag##_D2;            \
-        static constexpr auto rows = zimsMahDist_##tag##_D2L;            \
-        static constexpr auto block1 = zimsMahDist1_##tag##_D2;          \
-        static constexpr auto rows1 = zimsMahDist1_##tag##_D2L;          \
-        static constexpr auto mix = zimsMahDistMultiMix_##tag##_D2;      \
-        static constexpr auto rowsMix = zimsMahDistMultiMix_##tag##_D2L; \
-        static constexpr auto mix2 = zimsMahDist2_##tag##_D2;            \
-        static constexpr auto rowsMix2 = zimsMahDist2_##tag##_D2L;       \
-        static constexpr auto moments = zimsMeanVarAcc_##tag;            \
-    };
+// ---- Floating point. The score of a difference with the constant 0 is -0.5 times the sum, exactly.
+
 template <class T>
-struct Api;
-FUNCTIONS_OF_TYPE(Zim32f, 32f)
-FUNCTIONS_OF_TYPE(Zim64f, 64f)
-#undef FUNCTIONS_OF_TYPE
-
-// height vectors a, each with weights of its own, and one vector b with weights for all: frames and a Gaussian, or
-// Gaussians and a frame.
-template <class T>
-struct Problem {
-    int height, width;
-    std::vector<T> a, weightsOfA, b, weightsOfB;
-
-    Problem(Random& random, int rows, int columns) : height(rows), width(columns)
-    {
-        const std::size_t count = static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns);
-        a = random.vector<T>(count, -4, 4), weightsOfA = random.vector<T>(count, T(0.01), 3);
-        b = random.vector<T>(static_cast<std::size_t>(columns), -4, 4);
-        weightsOfB = random.vector<T>(b.size(), T(0.01), 3);
-    }
-
-    // The score of a difference x - m with the constant 0 is -0.5 times the sum, exactly.
-    T distance(int r, const std::vector<T>& weights, std::ptrdiff_t weightRow) const
-    {
-        T score;
-        Api<T>::score(&a[static_cast<std::size_t>(r) * b.size()], b.data(), weights.data() + weightRow * width, width,
-                      &score, 0);
-        return -2 * score;
-    }
-    std::vector<T> fromOne() const
-    {
-        std::vector<T> distances;
-        for (int r = 0; r < height; ++r)
-            distances.push_back(distance(r, weightsOfB, 0));
-        return distances;
-    }
-    std::vector<T> fromMany() const
-    {
-        std::vector<T> distances;
-        for (int r = 0; r < height; ++r)
-            distances.push_back(distance(r, weightsOfA, r));
-        return distances;
-    }
-};
-
-// Arrays end at a protected page unless they are placed otherwise, and gaps between rows hold NaN.
-template <class T>
-void expectAllForms(const Problem<T>& p, Placement placement = {})
+T distanceOf(const T* x, const T* mean, const T* invVar, int len, T* score)
 {
-    using F = Api<T>;
-    const int step = p.width + p.height % 3;
-    const StridedMatrix<T> a(p.a, p.height, p.width, step, placement);
-    const StridedMatrix<T> weights(p.weightsOfA, p.height, p.width, step, placement);
-    const RowMatrix<T> rows(p.a, p.height, p.width, placement), weightRows(p.weightsOfA, p.height, p.width, placement);
-    const Guarded<T> b(p.b, placement), weight(p.weightsOfB, placement);
-    Guarded<T> dst(static_cast<std::size_t>(p.height), placement);
-    const auto expect = [&](const char* form, const std::vector<T>& expected, auto call) {
-        dst.fill(poison<T>());
-        EXPECT_EQ(call(), zimStsOk) << form;
-        EXPECT_TRUE(equalBits(dst.values(), expected))
-            << form << ' ' << p.height << " x " << p.width << ", place " << placement.offset;
-    };
-    const auto frames = p.fromOne();
-    const int width = p.width, height = p.height;
-    expect("Single", frames, [&] {
-        ZimStatus status = zimStsOk;
-        for (int r = 0; r < height; ++r)
-            status |= F::single(rows.data()[r], b, weight, width, dst + r);
-        return status;
-    });
-    for (auto form : {F::block, F::block1})
-        expect("D2", frames, [&] { return form(a.data(), step, b, weight, width, dst, height); });
-    for (auto form : {F::rows, F::rows1})
-        expect("D2L", frames, [&] { return form(rows.data(), b, weight, width, dst, height); });
-    const auto gaussians = p.fromMany();
-    for (auto form : {F::mix, F::mix2})
-        expect("MultiMix D2", gaussians, [&] { return form(a.data(), weights.data(), step, b, width, dst, height); });
-    for (auto form : {F::rowsMix, F::rowsMix2})
-        expect("MultiMix D2L", gaussians, [&] { return form(rows.data(), weightRows.data(), b, width, dst, height); });
+    if constexpr (sizeof(T) == 4)
+        zimsLogGaussSingle_32f(x, mean, invVar, len, score, 0);
+    else
+        zimsLogGaussSingle_64f(x, mean, invVar, len, score, 0);
+    return -2 * *score;
 }
 
-template <class T>
-class Mahalanobis : public testing::Test {
-};
-using FloatTypes = testing::Types<Zim32f, Zim64f>;
-TYPED_TEST_SUITE(Mahalanobis, FloatTypes);
+Zim64f distanceOf(const Zim32f* x, const Zim32f* mean, const Zim32f* invVar, int len, Zim64f* score)
+{
+    zimsLogGaussSingle_32f64f(x, mean, invVar, len, score, 0);
+    return -2 * *score;
+}
 
-TYPED_TEST(Mahalanobis, EveryFormIsTheSumInsideTheScore)
+#define FORMS_OF_TYPE(tag)                                                                                        \
+    SCORE_DOOR(zimsMahDistSingle_##tag), SCORE_DOOR(zimsMahDist_##tag##_D2), SCORE_DOOR(zimsMahDist_##tag##_D2L), \
+        SCORE_DOOR(zimsMahDist1_##tag##_D2), SCORE_DOOR(zimsMahDist1_##tag##_D2L),                                \
+        SCORE_DOOR(zimsMahDistMultiMix_##tag##_D2), SCORE_DOOR(zimsMahDistMultiMix_##tag##_D2L),                  \
+        SCORE_DOOR(zimsMahDist2_##tag##_D2), SCORE_DOOR(zimsMahDist2_##tag##_D2L)
+
+const std::vector<ScoreDoor<Zim32f, Zim32f>> forms_32f = {FORMS_OF_TYPE(32f)};
+const std::vector<ScoreDoor<Zim64f, Zim64f>> forms_64f = {FORMS_OF_TYPE(64f)};
+const std::vector<ScoreDoor<Zim32f, Zim64f>> forms_32f64f = {SCORE_DOOR(zimsMahDistSingle_32f64f)};
+#undef FORMS_OF_TYPE
+
+template <class T, class S>
+void expectAllForms(const std::vector<ScoreDoor<T, S>>& forms, Random& random, int height, int width,
+                    Placement placement = {})
+{
+    const ScoreArrays<T, S> a(height, width + height % 3, random.vector<T>(height * width, -4, 4),
+                              random.vector<T>(height * width, T(0.01), 3), random.vector<T>(width, -4, 4), 0,
+                              std::vector<S>(height), placement);
+    for (const auto& form : forms) {
+        std::vector<S> expected(height);
+        for (int r = 0; r < height; ++r)
+            expected[r] = distanceOf(a.rows.data()[r], a.x.data(), a.weightRows.data()[form.manyGaussians ? r : 0],
+                                     width, &expected[r]);
+        a.running.fill(poison<S>());
+        EXPECT_EQ(form.run(a, 0), zimStsOk) << form.name;
+        EXPECT_TRUE(equalBits(a.running.values(), expected))
+            << form.name << ' ' << height << " x " << width << ", place " << placement.offset;
+    }
+}
+
+template <class T, class S>
+void expectFamily(const std::vector<ScoreDoor<T, S>>& forms)
 {
     Random random(1);
     for (int width = 1; width <= 41; ++width)
         for (int height : {1, 2, 3, 4, 5, 9, 13})
-            expectAllForms(Problem<TypeParam>(random, height, width));
+            expectAllForms(forms, random, height, width);
     for (int width : {3, 8, 13, 39, 40})
         for (std::size_t element = 0; element < 9; ++element)
-            expectAllForms(Problem<TypeParam>(random, 11, width), atOffset(element * sizeof(TypeParam)));
+            expectAllForms(forms, random, 11, width, atOffset(element * sizeof(T)));
+    for (const auto& form : forms)
+        form.expectChecks({zimStsBadStride, zimStsNullPointer, zimStsBadSize});
 }
 
-TYPED_TEST(Mahalanobis, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
+TEST(Mahalanobis, EveryFormIsTheSumInsideTheScoreAndChecksItsArguments)
 {
-    using F = Api<TypeParam>;
-    using enum Size;
-    for (auto form : {F::block, F::block1})
-        expectMatrixChecks(form, {step, width, height}, {zimStsBadStride, zimStsNullPointer, zimStsBadSize});
-    for (auto form : {F::mix, F::mix2})
-        expectMatrixChecks(form, {step, width, height}, {zimStsBadStride, zimStsNullPointer, zimStsBadSize});
-    for (auto form : {F::rows, F::rows1})
-        expectMatrixChecks(form, {width, height}, {zimStsNullPointer, zimStsBadSize});
-    for (auto form : {F::rowsMix, F::rowsMix2})
-        expectMatrixChecks(form, {width, height}, {zimStsNullPointer, zimStsBadSize});
-    expectPointersThenLength(F::single);
-    expectPointersThenLength(F::moments);
-}
-
-TEST(MahalanobisWidened, EveryOperandIsWidenedFirst)
-{
-    Random random(2);
-    for (int width = 1; width <= 41; ++width) {
-        const Problem<float> p(random, 1, width);
-        const Guarded<float> x(p.a), mean(p.b), invVar(p.weightsOfB);
-        double distance, score;
-        EXPECT_EQ(zimsMahDistSingle_32f64f(x, mean, invVar, width, &distance), zimStsOk);
-        zimsLogGaussSingle_32f64f(x, mean, invVar, width, &score, 0);
-        EXPECT_TRUE(sameBits(distance, -2 * score)) << width;
-    }
-    expectPointersThenLength(zimsMahDistSingle_32f64f);
+    expectFamily(forms_32f);
+    expectFamily(forms_64f);
+    expectFamily(forms_32f64f);
 }
 
 // ---- 16 bits: vectors on a boundary have another arithmetic than all others
@@ -295,22 +221,20 @@ TEST(FixedMahalanobis, RoundsToNearestInEveryMode)
 
 // ---- Moments
 
-TYPED_TEST(Mahalanobis, MomentsAreAddedToTheSums)
+template <class T>
+void expectMoments(ZimStatus (*accumulate)(const T*, const T*, T*, T*, int, T))
 {
-    using T = TypeParam;
     Random random(3);
     for (int len = 1; len <= 70; ++len)
-        for (std::size_t offset : {std::size_t{0}, std::size_t{1}, std::size_t{3}}) {
-            const Placement place = offset == 0 ? Placement{} : atOffset(offset * sizeof(T));
-            const auto count = static_cast<std::size_t>(len);
-            const auto mean = random.vector<T>(count, -4, 4);
-            auto first = random.vector<T>(count, -9, 9), second = random.vector<T>(count, 0, 9);
+        for (std::size_t element : {0, 1, 3}) {
+            const Placement place = element == 0 ? Placement{} : atOffset(element * sizeof(T));
+            const auto mean = random.vector<T>(len, -4, 4);
+            auto first = random.vector<T>(len, -9, 9), second = random.vector<T>(len, 0, 9);
             const Guarded<T> meanAt(mean, place), meanAcc(first, place), varAcc(second, place);
             for (T weight : {T(1), T(0.3), T(0), T(-0.7)}) {
-                const auto x = random.vector<T>(count, -4, 4);
-                const Guarded<T> src(x, place);
-                EXPECT_EQ(Api<T>::moments(src, meanAt, meanAcc, varAcc, len, weight), zimStsOk);
-                for (std::size_t j = 0; j < count; ++j) {
+                const auto x = random.vector<T>(len, -4, 4);
+                EXPECT_EQ(accumulate(Guarded<T>(x, place), meanAt, meanAcc, varAcc, len, weight), zimStsOk);
+                for (int j = 0; j < len; ++j) {
                     const T deviation = x[j] - mean[j], weighted = deviation * weight;
                     first[j] += weighted;
                     second[j] += deviation * weighted;
@@ -319,6 +243,13 @@ TYPED_TEST(Mahalanobis, MomentsAreAddedToTheSums)
             EXPECT_TRUE(equalBits(meanAcc.values(), first)) << len;
             EXPECT_TRUE(equalBits(varAcc.values(), second)) << len;
         }
+    expectPointersThenLength(accumulate);
+}
+
+TEST(Moments, AreAddedToTheSums)
+{
+    expectMoments(zimsMeanVarAcc_32f);
+    expectMoments(zimsMeanVarAcc_64f);
 }
 
 }  // namespace
