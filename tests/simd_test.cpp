@@ -1,6 +1,8 @@
 // The vector types against their scalar meaning.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/compare.h"
 #include "support/guarded.h"
 #include "support/random.h"
@@ -170,7 +172,8 @@ TEST(Sums, OneTreeForSinglesAndGroups)
         for (int r = 0; r < 4; ++r)
             EXPECT_TRUE(sameBits(group[r], tree(&x[8 * static_cast<std::size_t>(r)])));
         for (int r = 0; r < 2; ++r) {
-            const auto v = std::vector<double>(&x[4 * static_cast<std::size_t>(r)], &x[4 * static_cast<std::size_t>(r) + 4]);
+            const auto v =
+                std::vector<double>(&x[4 * static_cast<std::size_t>(r)], &x[4 * static_cast<std::size_t>(r) + 4]);
             EXPECT_TRUE(sameBits(pair[r], tree(v.data())));
         }
     }
@@ -197,6 +200,36 @@ TEST(Conversions, RoundTruncateWidenSaturate)
               (std::vector<int16_t>{-32768, -32768, -1, 0, 1, 32767, 32767, 32767}));
 }
 
+std::vector<int8_t> sorted(std::vector<int8_t> values)
+{
+    std::sort(values.begin(), values.end());
+    return values;
+}
+
+// Packed as registers have it, the lanes are the same, in another order.
+void expectBytes(C32 narrowed, C32 packed, const std::vector<int8_t>& wanted)
+{
+    EXPECT_EQ(lanesOf(narrowed), wanted);
+    EXPECT_EQ(sorted(lanesOf(packed)), sorted(wanted));
+    for (int i = 0; i < 32; ++i)
+        EXPECT_EQ(signBits(narrowed) >> i & 1, wanted[static_cast<std::size_t>(i)] < 0) << i;
+}
+
+TEST(Conversions, BytesSaturateAndTheirSignsAreBits)
+{
+    Random random(5);
+    const auto ints = random.vector<int32_t>(32, -200, 200);
+    std::vector<int16_t> shorts(ints.begin(), ints.end());
+    std::vector<int8_t> wanted;
+    for (int x : ints)
+        wanted.push_back(static_cast<int8_t>(std::clamp(x, -128, 127)));
+    const auto eight = [&](int k) { return load<I8>(ints.data() + k); };
+    expectBytes(narrowSaturated(eight(0), eight(8), eight(16), eight(24)),
+                packSaturated(eight(0), eight(8), eight(16), eight(24)), wanted);
+    const S16 low = load<S16>(shorts.data()), high = load<S16>(shorts.data() + 16);
+    expectBytes(narrowSaturated(low, high), packSaturated(low, high), wanted);
+}
+
 template <class V, int count>
 void expectLowLanes(Random& random)
 {
@@ -221,7 +254,8 @@ TEST(LowLanes, LoadsAndStoresStayInsideTheRow)
 }
 
 template <class V>
-class ShortVectors : public testing::Test {};
+class ShortVectors : public testing::Test {
+};
 using ShortVectorTypes = testing::Types<S8, S16>;
 TYPED_TEST_SUITE(ShortVectors, ShortVectorTypes);
 

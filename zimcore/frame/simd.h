@@ -8,6 +8,7 @@
 //     return sumLanes(sum);
 #pragma once
 
+#include "zimcore/frame/simd/bytes.h"
 #include "zimcore/frame/simd/choice.h"
 #include "zimcore/frame/simd/convert.h"
 #include "zimcore/frame/simd/functions.h"

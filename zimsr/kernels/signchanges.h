@@ -1,12 +1,14 @@
-// Sign changes, counted in blocks of 64 neighbouring pairs: a block becomes a word with a bit set for each change.
+// Sign changes. The signs of a block of elements, or of their products, become the bits of a word; the bits are
+// counted.
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
+#include <limits>
 
 #include <zimsr/types.h>
 
@@ -37,151 +39,160 @@ ZIM_INLINE int countSet(std::uint64_t bits)
 #endif
 }
 
-// The sum over all pairs of what count(x, wanted) gives for the pairs x[k], x[k + 1] of a block whose bit k is wanted.
-template <class T, class Count>
-ZIM_INLINE Zim64s sumOverPairs(const T* src, std::size_t pairs, Count count)
+inline constexpr std::uint64_t all = ~std::uint64_t{0};
+
+// ---- Neighbours on different sides of a test: a block of 64 elements becomes a word for each test
+
+template <std::size_t tests>
+using Words = std::array<std::uint64_t, tests>;
+
+// The wanted elements that differ in a test from the element before; before the first stands the last of another block.
+template <std::size_t tests>
+ZIM_INLINE int countChanges(Words<tests> before, Words<tests> words, std::uint64_t wanted)
+{
+    int count = 0;
+    for (std::size_t t = 0; t < tests; ++t)
+        count += countSet((words[t] ^ (words[t] << 1 | before[t] >> 63)) & wanted);
+    return count;
+}
+
+// wordsOf(x) gives the words of the block from x on.
+template <class T, class WordsOf>
+ZIM_INLINE Zim64s sumOfChanges(const T* src, std::size_t len, WordsOf wordsOf)
 {
     constexpr std::size_t block = 64;
-    constexpr std::uint64_t all = ~std::uint64_t{0};
-    if (pairs == 0)
-        return 0;
-    if (pairs < block) {
-        T padded[block + 1] = {};
-        std::memcpy(padded, src, (pairs + 1) * sizeof(T));
-        return count(padded, all >> (block - pairs));
+    const auto changesWithin = [=](const T* x, std::size_t from) ZIM_INLINE_LAMBDA {
+        const auto words = wordsOf(x);
+        return countChanges(words, words, all << from);
+    };
+    if (len < block) {
+        T padded[block];
+        std::fill_n(padded, block, elementAt(src + len - 1));
+        std::memcpy(padded, src, len * sizeof(T));
+        return changesWithin(padded, 1);
     }
-    const std::size_t last = pairs - block;
-    Zim64s sum = 0;
-    std::size_t i = 0;
-    for (; i < last; i += block)
-        sum += count(src + i, all);
-    // The last block, stepped back, without the pairs that are already counted.
-    return sum + count(src + last, all << (i - last));
-}
-
-// ---- Neighbours on different sides of a test
-
-// The bits of both halves of a block, half(k) being those from element k on.
-template <class Half>
-ZIM_INLINE std::uint64_t wholeBlock(Half half)
-{
-    return std::uint64_t{half(0)} | std::uint64_t{half(32)} << 32;
-}
-
-// The sign bits of what vector(k) gives for eight elements from element k on.
-template <class Vector>
-ZIM_INLINE std::uint64_t signBitsOfEights(Vector vector)
-{
-    return wholeBlock(
-        [=](int k) ZIM_INLINE_LAMBDA { return signBits(vector(k), vector(k + 8), vector(k + 16), vector(k + 24)); });
-}
-
-// A bit for each element of a block.
-template <class Test>
-ZIM_INLINE std::uint64_t testBlock(const Zim32f* x, Test test)
-{
-    return signBitsOfEights([=](int k) ZIM_INLINE_LAMBDA { return test(load<F8>(x + k)); });
-}
-
-template <class Test>
-ZIM_INLINE std::uint64_t testBlock(const Zim16s* x, Test test)
-{
-    return wholeBlock([=](int k)
-                          ZIM_INLINE_LAMBDA { return signBits(test(load<S16>(x + k)), test(load<S16>(x + k + 16))); });
-}
-
-template <class T, class Test>
-ZIM_INLINE int countChanges(const T* x, std::uint64_t wanted, Test test)
-{
-    const std::uint64_t bits = testBlock(x, test);
-    const std::uint64_t behind = bits >> 1 | std::uint64_t{test(elementAt(x + 64))} << 63;
-    return countSet((bits ^ behind) & wanted);
-}
-
-struct Negative {
-    ZIM_INLINE I8 operator()(F8 x) const { return reinterpret<I8>(x); }
-    ZIM_INLINE S16 operator()(S16 x) const { return x; }
-    ZIM_INLINE bool operator()(Zim32f x) const { return std::bit_cast<std::int32_t>(x) < 0; }
-    ZIM_INLINE bool operator()(Zim16s x) const { return x < 0; }
-};
-
-struct Positive {
-    template <class V>
-    ZIM_INLINE auto operator()(V x) const
-    {
-        return x > splat<V>(0);
+    auto before = wordsOf(src);
+    Zim64s sum = countChanges(before, before, all << 1);
+    std::size_t i = block;
+    for (; i + block <= len; i += block) {
+        const auto words = wordsOf(src + i);
+        sum += countChanges(before, words, all);
+        before = words;
     }
-};
+    // The last block, stepped back, without what is already counted.
+    const std::size_t last = len - block;
+    return i == len ? sum : sum + changesWithin(src + last, i - last);
+}
 
-// To which a NaN is negative, and no zero.
-struct NotNegative {
-    template <class V>
-    ZIM_INLINE auto operator()(V x) const
-    {
-        return x >= splat<V>(0);
-    }
-};
+ZIM_INLINE std::uint64_t join(std::uint32_t low, std::uint32_t high)
+{
+    return low | std::uint64_t{high} << 32;
+}
+
+// Bytes of the signs of what lanes(k) gives for eight elements from element k on.
+template <class Lanes>
+ZIM_INLINE C32 signsOfEights(Lanes lanes)
+{
+    return narrowSaturated(lanes(0), lanes(8), lanes(16), lanes(24));
+}
+
+ZIM_INLINE Words<1> negativeWord(const Zim32f* x)
+{
+    const auto half = [=](int first) ZIM_INLINE_LAMBDA {
+        return signBits(
+            signsOfEights([=](int k) ZIM_INLINE_LAMBDA { return reinterpret<I8>(load<F8>(x + first + k)); }));
+    };
+    return {join(half(0), half(32))};
+}
 
 inline Zim64s signBitChanges(const Zim32f* src, std::size_t len)
 {
-    return sumOverPairs(src, len - 1, [](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
-        return countChanges(x, wanted, Negative{});
+    return sumOfChanges(src, len, [](const Zim32f* x) ZIM_INLINE_LAMBDA { return negativeWord(x); });
+}
+
+// sgn of 32 elements by the signs of bytes.
+ZIM_INLINE C32 sgn(const Zim16s* x)
+{
+    return narrowSaturated(load<S16>(x), load<S16>(x + 16));
+}
+
+// The bits of a float as an integer have its sign, but for -0.0, to which 0 is added, and NaN, for which max gives its
+// second operand.
+ZIM_INLINE C32 sgn(const Zim32f* x)
+{
+    constexpr Zim32f infinity = std::numeric_limits<Zim32f>::infinity();
+    return signsOfEights([=](int k) ZIM_INLINE_LAMBDA {
+        return reinterpret<I8>(max(load<F8>(x + k) + splat<F8>(0), splat<F8>(-infinity)));
     });
 }
 
-// The sum of |sgn(x[i + 1]) - sgn(x[i])|: a change between 0 and either sign shows in one of the tests, a change
-// between the signs in both.
+// The sum of |sgn(x[i + 1]) - sgn(x[i])|: a change between 0 and either sign shows in one of the tests for negative and
+// for positive elements, a change between the signs in both.
 template <class T>
 Zim64s halfSteps(const T* src, std::size_t len)
 {
-    using AtLeastZero = std::conditional_t<std::is_integral_v<T>, Negative, NotNegative>;
-    return sumOverPairs(src, len - 1, [](const T* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
-        return countChanges(x, wanted, Positive{}) + countChanges(x, wanted, AtLeastZero{});
+    return sumOfChanges(src, len, [](const T* x) ZIM_INLINE_LAMBDA {
+        const C32 low = sgn(x), high = sgn(x + 32), zero = splat<C32>(0);
+        return Words<2>{join(signBits(low), signBits(high)), join(signBits(low > zero), signBits(high > zero))};
     });
 }
 
 // ---- Pairs with a negative product
 
-// A counter in each lane. The last vector is stepped back, and counts only what is left.
-ZIM_INLINE S16 countNegative(const Zim16s* x, std::size_t pairs)
+// In whatever order, where only the number of negative ones matters.
+struct InAnyOrder {
+    template <class... V>
+    ZIM_INLINE C32 operator()(V... v) const
+    {
+        return packSaturated(v...);
+    }
+};
+
+struct InOrder {
+    template <class... V>
+    ZIM_INLINE C32 operator()(V... v) const
+    {
+        return narrowSaturated(v...);
+    }
+};
+
+// The sign bits of the products of 32 neighbours.
+template <class Order>
+ZIM_INLINE std::uint32_t negativeOf32(const Zim16s* x, Order order)
 {
-    const auto negative = [](S16 a, S16 b) ZIM_INLINE_LAMBDA { return multiplyHigh(a, b) >> 15; };
-    const auto negativeAt = [=](std::size_t i)
-                                ZIM_INLINE_LAMBDA { return negative(load<S16>(x + i), load<S16>(x + i + 1)); };
-    if (pairs < 16)
-        return -negative(loadFirst<S16>(x, static_cast<int>(pairs)), loadFirst<S16>(x + 1, static_cast<int>(pairs)));
-    S16 even = splat<S16>(0), odd = even;
-    std::size_t i = 0;
-    for (; i + 32 <= pairs; i += 32) {
-        even -= negativeAt(i);
-        odd -= negativeAt(i + 16);
-    }
-    if (i + 16 <= pairs) {
-        even -= negativeAt(i);
-        i += 16;
-    }
-    return even + odd - keep(lastLanes<S16>(static_cast<int>(pairs - i)), negativeAt(pairs - 16));
+    const auto products = [=](int k) ZIM_INLINE_LAMBDA { return multiplyHigh(load<S16>(x + k), load<S16>(x + k + 1)); };
+    return signBits(order(products(0), products(16)));
 }
 
-// Counters are added up before one can overflow.
+template <class Order>
+ZIM_INLINE std::uint32_t negativeOf32(const Zim32f* x, Order order)
+{
+    const auto products = [=](int k)
+                              ZIM_INLINE_LAMBDA { return reinterpret<I8>(load<F8>(x + k) * load<F8>(x + k + 1)); };
+    return signBits(order(products(0), products(8), products(16), products(24)));
+}
+
+template <class T>
+Zim64s negativeSignBits(const T* src, std::size_t pairs)
+{
+    constexpr std::size_t block = 32;
+    if (pairs < block) {
+        T padded[block + 1] = {};
+        std::memcpy(padded, src, (pairs + 1) * sizeof(T));
+        return countSet(negativeOf32(padded, InOrder{}) & ~(all << pairs));
+    }
+    Zim64s sum = 0;
+    std::size_t i = 0;
+#pragma GCC unroll 2
+    for (; i + block <= pairs; i += block)
+        sum += countSet(negativeOf32(src + i, InAnyOrder{}));
+    const std::size_t last = pairs - block;
+    return sum + countSet(negativeOf32(src + last, InOrder{}) & all << (i - last));
+}
+
 inline Zim64s negativeProducts(const Zim16s* src, std::size_t len)
 {
-    constexpr std::size_t stretch = 32767 * 16;
-    Zim64s sum = 0;
-    for (std::size_t first = 0; first < len - 1; first += stretch) {
-        const S16 count = countNegative(src + first, std::min(stretch, len - 1 - first));
-        sum += sumLanes(multiplyAddPairs(count, splat<S16>(1)));
-    }
-    return sum;
-}
-
-inline Zim64s negativeSignBits(const Zim32f* src, std::size_t pairs)
-{
-    return sumOverPairs(src, pairs, [](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
-        const std::uint64_t bits = signBitsOfEights(
-            [=](int k) ZIM_INLINE_LAMBDA { return reinterpret<I8>(load<F8>(x + k) * load<F8>(x + k + 1)); });
-        return countSet(bits & wanted);
-    });
+    return negativeSignBits(src, len - 1);
 }
 
 // By the sign bits of the products. A product that is a number has the sign that its factors' signs make, and they cost
@@ -190,16 +201,16 @@ inline Zim64s negativeSignBits(const Zim32f* src, std::size_t pairs)
 // loads.
 inline Zim64s signedProducts(const Zim32f* src, std::size_t pairs)
 {
-    if (pairs < 256)
+    if (pairs < 512)
         return negativeSignBits(src, pairs);
     F8 sum[4] = {};
-    const Zim64s changes = sumOverPairs(src, pairs, [&sum](const Zim32f* x, std::uint64_t wanted) ZIM_INLINE_LAMBDA {
+    const Zim64s changes = sumOfChanges(src, pairs + 1, [&sum](const Zim32f* x) ZIM_INLINE_LAMBDA {
 #pragma GCC unroll 8
         for (int k = 0; k < 8; ++k)
             sum[k % 4] += load<F8>(x + 8 * k);
-        return countChanges(x, wanted, Negative{});
+        return negativeWord(x);
     });
-    const F8 total = (sum[0] + sum[1]) + (sum[2] + sum[3]) + splat<F8>(src[pairs]);
+    const F8 total = (sum[0] + sum[1]) + (sum[2] + sum[3]);
     const bool allNumbers = allSet(total - total == splat<F8>(0));
     return allNumbers ? changes : negativeSignBits(src, pairs);
 }

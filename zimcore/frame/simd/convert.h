@@ -173,32 +173,4 @@ ZIM_INLINE S8 narrowSaturated(I4 v)
     return {(S8::Part)_mm_packs_epi32((__m128i)v.part[0], (__m128i)v.part[0])};
 }
 
-// The sign bits of the lanes of a, then those of b and so on: one bit a lane, from bit 0 on.
-ZIM_INLINE uint32_t signBits(S16 a, S16 b)
-{
-#if defined(__AVX2__)
-    const __m256i bytes = _mm256_packs_epi16((__m256i)a.part[0], (__m256i)b.part[0]);
-    return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_permute4x64_epi64(bytes, 0b11'01'10'00)));
-#else
-    const auto bits = [](S16 v) {
-        return _mm_movemask_epi8(_mm_packs_epi16((__m128i)v.part[0], (__m128i)v.part[1]));
-    };
-    return static_cast<uint32_t>(bits(a) | bits(b) << 16);
-#endif
-}
-
-ZIM_INLINE uint32_t signBits(I8 a, I8 b, I8 c, I8 d)
-{
-#if defined(__AVX2__)
-    const __m256i low = _mm256_packs_epi32((__m256i)a.part[0], (__m256i)b.part[0]);
-    const __m256i high = _mm256_packs_epi32((__m256i)c.part[0], (__m256i)d.part[0]);
-    // Packing leaves groups of four lanes, the lower halves of all four vectors before the upper ones.
-    const __m256i inOrder = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
-    return static_cast<uint32_t>(
-        _mm256_movemask_epi8(_mm256_permutevar8x32_epi32(_mm256_packs_epi16(low, high), inOrder)));
-#else
-    return signBits(join(narrowSaturated(a), narrowSaturated(b)), join(narrowSaturated(c), narrowSaturated(d)));
-#endif
-}
-
 }  // namespace zimsr

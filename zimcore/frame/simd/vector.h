@@ -69,6 +69,7 @@ using S16 = Vec<int16_t, 16>;
 using U8 = Vec<uint32_t, 8>;
 using UL4 = Vec<uint64_t, 4>;
 using B16 = Vec<uint8_t, 16>;
+using C32 = Vec<int8_t, 32>;
 
 // As many lanes as one register holds: for work in which no lane meets another, so that their number shows in no result.
 template <class T>
