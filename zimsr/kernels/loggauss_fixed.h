@@ -6,6 +6,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <type_traits>
 
 #include <zimsr/types.h>
 
@@ -17,7 +19,9 @@
 
 namespace zimsr {
 
-// ---- Elements and squares
+// ---- Gathering. Of a row, a term fills a State, which comes to a vector of sums: lanes still to be added. It takes
+// elements by sixteen; from there on two rows share the lanes of a state, and of each it takes eight at once, and the
+// tail. A row by itself has half the lanes. N elements taken at once are for N / 2 lanes of a state.
 
 // Of the exact differences, as signed 32-bit products, which wrap around.
 ZIM_INLINE I8 exactSquares(S8 x, S8 mean)
@@ -26,81 +30,123 @@ ZIM_INLINE I8 exactSquares(S8 x, S8 mean)
     return difference * difference;
 }
 
-template <class V>
-ZIM_INLINE typename V::Mask onlyLane(int lane)
+// The same of the first four elements of each eight.
+template <int N>
+ZIM_INLINE Vec<Zim32s, N / 2> exactSquaresInFront(Vec<Zim16s, N> x, Vec<Zim16s, N> mean)
 {
-    return firstLanes<V>(lane + 1) & ~firstLanes<V>(lane);
+    constexpr int plusMinus = 1 - (1 << 16);  // 1 in the lower half, -1 in the upper
+    const auto difference = multiplyAddPairs(unpack(x, mean), splatUnpacked<N>(plusMinus)).low;
+    return difference * difference;
 }
 
-// ---- Gathering. Of a row, a term fills a State, which comes to a Sum: lanes still to be added. It takes elements by
-// sixteen or by eight, and those of the tail either from the first lane on, or wherever they stand in a vector.
-
-template <class Term, class... V>
-ZIM_INLINE void addEight(Term term, typename Term::State& state, V... elements)
-{
-    if constexpr (requires { term.add(state, elements...); })
-        term.add(state, elements...);
-    else
-        term.add(state, withZeros(elements)...);
-}
-
-// Where the last elements of a row are among those that are loaded: at the end of a whole vector, or, of a row that has
-// no whole vector, at the start.
-template <bool whole>
+// The last elements of a row, among eight that are loaded: at their end, or, of a row that has no more, at their start.
 struct Tail {
-    int width, rest;
+    int start, rest;
 
-    template <class T>
-    ZIM_INLINE Vec<T, 8> load(const T* row) const
+    // count of them from number first on.
+    template <int N>
+    ZIM_INLINE Vec<Zim16s, N> inFront(int first, int count, Vec<Zim16s, N> v) const
     {
-        if constexpr (whole)
-            return zimsr::load<Vec<T, 8>>(row + (width - 8));
-        else
-            return loadFirst<Vec<T, 8>>(row, rest);
+        return lanesInFront(v, start + first, count);
     }
-    // From the first lane on, with zeros behind them.
-    ZIM_INLINE S8 inFront(S8 loaded) const { return whole ? lanesDown(loaded, 8 - rest) : loaded; }
-    ZIM_INLINE I8 where() const { return whole ? lastLanes<I8>(rest) : firstLanes<I8>(rest); }
+    // Calls take with the group of four, the group of two and the single element that there are.
+    template <class Take, class... V>
+    ZIM_INLINE void inGroups(Take take, V... v) const
+    {
+        if (rest & 4)
+            take(inFront(0, 4, v)...);
+        if (rest & 2)
+            take(inFront(rest & 4, 2, v)...);
+        if (rest & 1)
+            take(inFront(rest & 6, 1, v)...);
+    }
 };
 
-template <bool whole, class Term, int count, class... Row>
-ZIM_INLINE void addTails(Term term, typename Term::State (&state)[count], int width, const Row&... rows)
+// Eight elements of row i, or of the two rows that share a state.
+template <int rows, class T>
+ZIM_INLINE auto loadEight(Shared<T> shared, int, std::ptrdiff_t j)
 {
-    const Tail<whole> tail{width, width & 7};
-#pragma GCC unroll 8
-    for (int i = 0; i < count; ++i)
-        if constexpr (requires { term.addSingles(state[i], I8{}, tail.load(rows[i])...); })
-            term.addSingles(state[i], tail.where(), tail.load(rows[i])...);
-        else
-            term.addTail(state[i], tail.rest, tail.inFront(tail.load(rows[i]))...);
+    return loadInEachEight<8 * rows>(shared.vector + j);
 }
 
-template <class Term, int count, class... Row>
+template <int rows, class T, int count>
+ZIM_INLINE auto loadEight(const RowPointers<T, count>& row, int i, std::ptrdiff_t j)
+{
+    if constexpr (rows == 1)
+        return loadLanes<8>(row[i] + j);
+    else
+        return loadEights(row[i] + j, row[i + 2] + j);
+}
+
+template <int rows, class Row>
+ZIM_INLINE auto loadFew(const Row& row, int i, int count)
+{
+    if constexpr (rows == 1)
+        return loadFirstLanes<8>(row[i], count);
+    else
+        return join(loadFirstLanes<8>(row[i], count), loadFirstLanes<8>(row[i + 2], count));
+}
+
+template <int rows, class Term, class State, class... Row>
+ZIM_INLINE void addTail(Term term, State& state, int i, int width, const Row&... row)
+{
+    const int rest = width & 7;
+    if (width < 8)
+        term.addTail(state, Tail{0, rest}, loadFew<rows>(row, i, rest)...);
+    else if (rest)
+        term.addTail(state, Tail{8 - rest, rest}, loadEight<rows>(row, i, width - 8)...);
+}
+
+// Each element of the tail by itself.
+template <class Term, int count, class State, class... Row>
+ZIM_INLINE void addSingles(Term term, State (&state)[count], int width, const Row&... rows)
+{
+    const int rest = width & 7;
+    if (width < 8) {
+#pragma GCC unroll 4
+        for (int i = 0; i < count; ++i)
+            term.addSingles(state[i], firstLanes<I8>(rest), loadFirstLanes<8>(rows[i], rest)...);
+    } else if (rest) {
+#pragma GCC unroll 4
+        for (int i = 0; i < count; ++i)
+            term.addSingles(state[i], lastLanes<I8>(rest), loadLanes<8>(rows[i] + (width - 8))...);
+    }
+}
+
+template <int count, class Term, class... Row>
 requires requires
 {
-    typename Term::State;
+    typename Term::template State<8>;
 }
-ZIM_INLINE void sumTerms(Term term, typename Term::Sum (&sum)[count], int width, const Row&... rows)
+ZIM_INLINE auto foldedTerms(Term term, int width, const Row&... rows)
 {
-    typename Term::State state[count] = {};
-    std::ptrdiff_t j = 0;
-    for (; j + 16 <= width; j += 16) {
-#pragma GCC unroll 8
+    typename Term::template State<8> state[count] = {};
+    for (std::ptrdiff_t j = 0; j + 16 <= width; j += 16) {
+#pragma GCC unroll 4
         for (int i = 0; i < count; ++i)
             term.add(state[i], loadLanes<16>(rows[i] + j)...);
     }
-    if (width & 8) {
-#pragma GCC unroll 8
-        for (int i = 0; i < count; ++i)
-            addEight(term, state[i], loadLanes<8>(rows[i] + j)...);
+    constexpr bool singles = requires
+    {
+        term.addSingles(state[0], I8{}, loadLanes<8>(rows[0])...);
+    };
+    if constexpr (singles)
+        addSingles(term, state, width, rows...);
+    const auto sumRest = [&]<int together>(auto folded, int i) ZIM_INLINE_LAMBDA {
+        if (width & 8)
+            term.add(folded, loadEight<together>(rows, i, width & ~15)...);
+        if constexpr (!singles)
+            addTail<together>(term, folded, i, width, rows...);
+        return term.sum(folded);
+    };
+    if constexpr (count == 1) {
+        const auto sum = sumRest.template operator()<1>(foldHalves(state[0]), 0);
+        return Folded<std::remove_const_t<decltype(sum)>, 1>{{sum}};
+    } else {
+        static_assert(count == 4);
+        return foldPairs(sumRest.template operator()<2>(addHalves(state[0], state[2]), 0),
+                         sumRest.template operator()<2>(addHalves(state[1], state[3]), 1));
     }
-    if (width < 8)
-        addTails<false>(term, state, width, rows...);
-    else if (width & 7)
-        addTails<true>(term, state, width, rows...);
-#pragma GCC unroll 8
-    for (int i = 0; i < count; ++i)
-        sum[i] = term.sum(state[i]);
 }
 
 // ---- Terms that are summed as floats or exactly. Those of the integer arithmetic are in loggauss_low.h.
@@ -110,48 +156,55 @@ ZIM_INLINE void sumTerms(Term term, typename Term::Sum (&sum)[count], int width,
 // so that all is larger by a power of two until the end: nothing is rounded otherwise for it.
 template <class... InvVar>
 struct FloatSquares {
-    using State = F8;
-    using Sum = F8;
+    template <int lanes>
+    using State = Vec<Zim32f, lanes>;
 
-    ZIM_INLINE void add(State& state, S16 x, S16 mean, Vec<InvVar, 16>... invVar) const
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean, Vec<InvVar, N>... invVar) const
     {
         const auto difference = raised(subtractSaturated(x, mean));
         state += ((difference.low * difference.low) * ... * raised(invVar).low);
         state += ((difference.high * difference.high) * ... * raised(invVar).high);
     }
-    ZIM_INLINE void add(State& state, S8 x, S8 mean, Vec<InvVar, 8>... invVar) const
+    ZIM_INLINE void addSingles(F8& state, I8 these, S8 x, S8 mean, Vec<InvVar, 8>... invVar) const
     {
-        const F8 difference = toFloat(widen(subtractSaturated(x, mean)));
-        state += raisedProduct(difference * difference, toFloats(invVar)...);
+        state += raisedProduct(these, toFloat(exactSquares(x, mean)), toFloats(invVar)...);
     }
-    ZIM_INLINE void addSingles(State& state, I8 these, S8 x, S8 mean, Vec<InvVar, 8>... invVar) const
+    template <int lanes>
+    ZIM_INLINE State<lanes> sum(State<lanes> state) const
     {
-        state += keep(these, raisedProduct(toFloat(exactSquares(x, mean)), toFloats(invVar)...));
+        return state * splat<State<lanes>>(unit);
     }
-    ZIM_INLINE Sum sum(const State& state) const { return state * splat<F8>(unit); }
 
 private:
+    template <int lanes>
     struct Halves {
-        F8 low, high;
+        State<lanes> low, high;
     };
 
-    static ZIM_INLINE Halves raised(S16 v)
+    template <int N>
+    static ZIM_INLINE Halves<N / 2> raised(Vec<Zim16s, N> v)
     {
-        const Unpacked<16> wide = unpack(splat<S16>(0), v);
+        const Unpacked<N> wide = unpack(splat<Vec<Zim16s, N>>(0), v);
         return {toFloat(wide.low), toFloat(wide.high)};
     }
     // Floats are as they are, in the order in which shorts unpack.
-    static ZIM_INLINE Halves raised(Vec<Zim32f, 16> v)
+    static ZIM_INLINE Halves<8> raised(Vec<Zim32f, 16> v)
     {
         return {shuffle<0, 1, 2, 3, 8, 9, 10, 11>(lowHalf(v), highHalf(v)),
                 shuffle<4, 5, 6, 7, 12, 13, 14, 15>(lowHalf(v), highHalf(v))};
     }
+    static ZIM_INLINE Halves<4> raised(Vec<Zim32f, 8> v) { return {lowHalf(v), highHalf(v)}; }
+
     static ZIM_INLINE F8 toFloats(S8 v) { return toFloat(widen(v)); }
     static ZIM_INLINE F8 toFloats(F8 v) { return v; }
 
-    // Rather the inverse variances are raised, which several rows may share.
-    static ZIM_INLINE F8 raisedProduct(F8 squares) { return squares * splat<F8>(1 / unit); }
-    static ZIM_INLINE F8 raisedProduct(F8 squares, F8 invVar) { return squares * (invVar * splat<F8>(1 / unit)); }
+    // Rather the inverse variances are raised and selected, which several rows may share.
+    static ZIM_INLINE F8 raisedProduct(I8 these, F8 squares) { return keep(these, squares) * splat<F8>(1 / unit); }
+    static ZIM_INLINE F8 raisedProduct(I8 these, F8 squares, F8 invVar)
+    {
+        return squares * keep(these, invVar * splat<F8>(1 / unit));
+    }
 
     // What a term must be multiplied with to lower it again.
     static constexpr Zim32f unit = (0x1p-32f * ... * (sizeof(InvVar) == 2 ? 0x1p-16f : 1.0f));
@@ -160,68 +213,94 @@ private:
 // Without variances, the squares of two neighbours are added as one signed 32-bit integer, which may wrap around. Each
 // of these integers becomes a float, or what else Squares makes of it.
 struct AsFloats {
-    using State = F8;
-    using Sum = F8;
+    template <int lanes>
+    using State = Vec<Zim32f, lanes>;
 
-    ZIM_INLINE void add(State& state, I8 squares) const { state += toFloat(squares); }
-    ZIM_INLINE Sum sum(const State& state) const { return state; }
+    template <int lanes>
+    ZIM_INLINE void add(State<lanes>& state, Vec<Zim32s, lanes> squares) const
+    {
+        state += toFloat(squares);
+    }
+    template <int lanes>
+    ZIM_INLINE State<lanes> sum(State<lanes> state) const
+    {
+        return state;
+    }
 };
 
 // In the tail every square stands by itself, of an exact difference.
 template <class Squares>
 struct PairsAndSingles {
-    using State = typename Squares::State;
-    using Sum = typename Squares::Sum;
+    template <int lanes>
+    using State = typename Squares::template State<lanes>;
     [[no_unique_address]] Squares squares;
 
-    ZIM_INLINE void add(State& state, S16 x, S16 mean) const
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean) const
     {
-        const S16 difference = subtractSaturated(x, mean);
+        const auto difference = subtractSaturated(x, mean);
         squares.add(state, multiplyAddPairs(difference, difference));
     }
-    ZIM_INLINE void addSingles(State& state, I8 these, S8 x, S8 mean) const
+    ZIM_INLINE void addSingles(State<8>& state, I8 these, S8 x, S8 mean) const
     {
         squares.add(state, keep(these, exactSquares(x, mean)));
     }
-    ZIM_INLINE Sum sum(const State& state) const { return squares.sum(state); }
+    template <class S>
+    ZIM_INLINE auto sum(S state) const
+    {
+        return squares.sum(state);
+    }
 };
 
 // In the tail too neighbours go together and saturate; only an odd last element is exact and by itself. The last row of
 // an odd number of rows has singles.
 template <class Squares>
 struct Pairs {
-    using State = typename Squares::State;
-    using Sum = typename Squares::Sum;
+    template <int lanes>
+    using State = typename Squares::template State<lanes>;
     [[no_unique_address]] Squares squares;
 
-    ZIM_INLINE void add(State& state, S16 x, S16 mean) const { oddLast().add(state, x, mean); }
-    ZIM_INLINE void addTail(State& state, int rest, S8 x, S8 mean) const
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean) const
     {
-        const S8 inPairs = keep(firstLanes<S8>(rest & ~1), subtractSaturated(x, mean));
-        I8 terms = withZeros(multiplyAddPairs(inPairs, inPairs));
-        if (rest & 1)  // its lane is not among those of the pairs
-            terms |= keep(onlyLane<I8>(rest - 1), exactSquares(x, mean));
-        squares.add(state, terms);
+        oddLast().add(state, x, mean);
     }
-    ZIM_INLINE Sum sum(const State& state) const { return squares.sum(state); }
+    template <int N>
+    ZIM_INLINE void addTail(State<N / 2>& state, Tail tail, Vec<Zim16s, N> x, Vec<Zim16s, N> mean) const
+    {
+        const int inPairs = tail.rest & ~1;
+        if (inPairs)
+            add(state, tail.inFront(0, inPairs, x), tail.inFront(0, inPairs, mean));
+        if (tail.rest & 1)
+            squares.add(state, exactSquaresInFront(tail.inFront(inPairs, 1, x), tail.inFront(inPairs, 1, mean)));
+    }
+    template <class S>
+    ZIM_INLINE auto sum(S state) const
+    {
+        return squares.sum(state);
+    }
     ZIM_INLINE PairsAndSingles<Squares> oddLast() const { return {squares}; }
 };
 
 // Squares of saturating differences, in the tail too, summed exactly.
 struct ExactSquareSum {
-    using State = UL4[2];
-    using Sum = L4;
+    template <int lanes>
+    using State = Vec<std::uint64_t, lanes / 2>;
 
-    ZIM_INLINE void add(State& state, S16 x, S16 mean) const
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean) const
     {
-        const S16 difference = subtractSaturated(x, mean);
+        const auto difference = subtractSaturated(x, mean);
         // A pair of squares is at most 2^31, and is taken as unsigned.
-        const UL4 pairs = reinterpret<UL4>(multiplyAddPairs(difference, difference));
-        state[0] += pairs & splat<UL4>(0xFFFFFFFF);
-        state[1] += pairs >> 32;
+        const auto pairs = reinterpret<State<N / 2>>(multiplyAddPairs(difference, difference));
+        state += (pairs & splat<State<N / 2>>(0xFFFFFFFF)) + (pairs >> 32);
     }
-    ZIM_INLINE void addTail(State& state, int, S8 x, S8 mean) const { add(state, withZeros(x), withZeros(mean)); }
-    ZIM_INLINE Sum sum(const State& state) const { return reinterpret<L4>(state[0] + state[1]); }
+    template <int N>
+    ZIM_INLINE void addTail(State<N / 2>& state, Tail tail, Vec<Zim16s, N> x, Vec<Zim16s, N> mean) const
+    {
+        add(state, tail.inFront(0, tail.rest, x), tail.inFront(0, tail.rest, mean));
+    }
+    ZIM_INLINE Vec<std::int64_t, 2> sum(State<4> state) const { return reinterpret<Vec<std::int64_t, 2>>(state); }
 };
 
 // ---- Finishes: from a constant and a sum, or vectors of both, to the score

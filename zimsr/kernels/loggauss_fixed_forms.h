@@ -71,7 +71,7 @@ struct LowForm {
     static void choose(int scaleFactor, Run run)
     {
         if (scaleFactor >= 0)
-            run(LowPaired{{scaleFactor}}, PlusSum{});
+            run(LowPaired{LowScale(scaleFactor)}, PlusSum{});
         else
             run(FloatSquares<Zim16s>{}, minusScaledSum<Score>(scaleFactor));
     }
@@ -82,7 +82,7 @@ struct IdVarLowForm {
     static void choose(int scaleFactor, Run run)
     {
         if constexpr (isInteger<Score>)
-            run(Pairs<AsShifted>{{-1 - limited(scaleFactor)}}, PlusSum{});
+            run(Pairs<AsShifted>{AsShifted{Shift(-1 - limited(scaleFactor))}}, PlusSum{});
         else
             run(Pairs<AsFloats>{}, minusScaledSum<Score>(scaleFactor));
     }
@@ -117,7 +117,7 @@ struct LowSingleForm {
     static void choose(int scaleFactor, Run run)
     {
         if (scaleFactor >= 0)
-            run(LowSingle{{scaleFactor}}, PlusSum{});
+            run(LowSingle{LowScale(scaleFactor)}, PlusSum{});
         else
             run(FloatSquares<Zim16s>{}, minusScaledSum<Score>(scaleFactor));
     }
@@ -128,7 +128,7 @@ struct IdVarLowSingleForm {
     static void choose(int scaleFactor, Run run)
     {
         if constexpr (isInteger<Score>)
-            run(LowSingleIdVar{{{limited(scaleFactor)}}}, PlusSum{});
+            run(LowSingleIdVar(limited(scaleFactor)), PlusSum{});
         else
             IdVarLowForm::choose<Score>(scaleFactor, run);
     }

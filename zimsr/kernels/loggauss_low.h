@@ -14,58 +14,55 @@
 
 namespace zimsr {
 
-// v * 2^amount, in 32 bits: what is shifted out is lost, an amount of -32 or less leaves the sign, of 32 or more zero.
-template <int N>
-ZIM_INLINE Vec<Zim32s, N> shifted(Vec<Zim32s, N> v, int amount)
-{
-    return shifted(v, std::max(amount, 0), std::max(-amount, 0));
-}
-
-ZIM_INLINE I4 foldHalves(I8 v)
-{
-    return lowHalf(v) + highHalf(v);
-}
-
 // ---- Without variances: squares of neighbours together, shifted by themselves, and subtracted
 
 struct AsShifted {
-    using State = I8;
-    using Sum = I4;
-    int amount;
+    template <int lanes>
+    using State = Vec<Zim32s, lanes>;
+    Shift shift;
 
-    ZIM_INLINE void add(State& state, I8 squares) const { state -= shifted(squares, amount); }
-    ZIM_INLINE Sum sum(const State& state) const { return foldHalves(state); }
+    template <int lanes>
+    ZIM_INLINE void add(State<lanes>& state, Vec<Zim32s, lanes> squares) const
+    {
+        state -= shift(squares);
+    }
+    template <int lanes>
+    ZIM_INLINE State<lanes> sum(State<lanes> state) const
+    {
+        return state;
+    }
 };
 
 // ---- With them
 
+// (high * 2^15 + low) * 2^-scaleFactor, each of the two shifted by itself.
 struct LowScale {
-    int scaleFactor;
+    Shift forHigh, forLow;
 
-    // (high * 2^15 + low) * 2^-scaleFactor, each of the two shifted by itself.
+    explicit ZIM_INLINE LowScale(int scaleFactor) : forHigh(15 - scaleFactor), forLow(-scaleFactor) {}
+
     template <class V>
     ZIM_INLINE V operator()(V high, V low) const
     {
-        return shifted(high, 15 - scaleFactor) + shifted(low, -scaleFactor);
+        return forHigh(high) + forLow(low);
     }
 };
 
+template <int N>
 struct HalfSquares {
-    S16 high, low;
+    Vec<Zim16s, N> high, low;
 
-    explicit ZIM_INLINE HalfSquares(S16 difference)
+    explicit ZIM_INLINE HalfSquares(Vec<Zim16s, N> difference)
         : high(multiplyHigh(difference, difference)),
-          low(reinterpret<S16>(reinterpret<Unsigned>(multiplyLow(difference, difference)) >> 1))
+          low(reinterpret<Vec<Zim16s, N>>(reinterpret<Vec<Zim16u, N>>(multiplyLow(difference, difference)) >> 1))
     {
     }
-
-private:
-    using Unsigned = Vec<Zim16u, 16>;
 };
 
-// Products of pairs, or what is left when they are subtracted.
+// Products of neighbours with their inverse variances, or what is left when they are subtracted.
+template <int lanes>
 struct Products {
-    I8 high, low;
+    Vec<Zim32s, lanes> high, low;
 
     ZIM_INLINE Products& operator-=(const Products& more)
     {
@@ -75,103 +72,131 @@ struct Products {
     }
 };
 
-ZIM_INLINE Products productsOfPairs(S16 difference, S16 invVar)
+template <int N>
+ZIM_INLINE Products<N / 2> productsOfPairs(Vec<Zim16s, N> difference, Vec<Zim16s, N> invVar)
 {
-    const HalfSquares halves(difference);
+    const HalfSquares<N> halves(difference);
     return {multiplyAddPairs(halves.high, invVar), multiplyAddPairs(halves.low, invVar)};
+}
+
+ZIM_INLINE Products<4> foldHalves(const Products<8>& v)
+{
+    return {foldHalves(v.high), foldHalves(v.low)};
+}
+
+ZIM_INLINE Products<8> addHalves(const Products<8>& a, const Products<8>& b)
+{
+    return {addHalves(a.high, b.high), addHalves(a.low, b.low)};
 }
 
 // One row by itself: the sums of all full groups are shifted once; in the tail each group of four, of two and of one.
 struct LowSingle {
+    template <int lanes>
     struct State {
-        Products full;
-        I4 tail;
+        Products<lanes> full;
+        Vec<Zim32s, lanes> tail;
     };
-    using Sum = I4;
     LowScale scale;
 
-    ZIM_INLINE void add(State& state, S16 x, S16 mean, S16 invVar) const
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean, Vec<Zim16s, N> invVar) const
     {
         state.full -= productsOfPairs(subtractSaturated(x, mean), invVar);
     }
-    ZIM_INLINE void addTail(State& state, int, S8 x, S8 mean, S8 invVar) const
+    ZIM_INLINE void addTail(State<4>& state, Tail tail, S8 x, S8 mean, S8 invVar) const
     {
-        addTailDifferences(state, subtractSaturated(x, mean), invVar);
+        tail.inGroups([&, this](S8 difference, S8 weights) ZIM_INLINE_LAMBDA { addGroup(state, difference, weights); },
+                      subtractSaturated(x, mean), invVar);
     }
-    ZIM_INLINE Sum sum(const State& state) const
-    {
-        return scale(foldHalves(state.full.high), foldHalves(state.full.low)) - state.tail;
-    }
+    ZIM_INLINE I4 sum(const State<4>& state) const { return scale(state.full.high, state.full.low) - state.tail; }
 
 protected:
-    // Groups do not meet in a lane, and the lanes are added in the end, so that all are shifted at once.
-    ZIM_INLINE void addTailDifferences(State& state, S8 difference, S8 invVar) const
+    ZIM_INLINE void addGroup(State<4>& state, S8 difference, S8 invVar) const
     {
-        const Products products = productsOfPairs(withZeros(difference), withZeros(invVar));
-        state.tail += scale(lowHalf(products.high), lowHalf(products.low));
+        const Products<4> products = productsOfPairs(difference, invVar);
+        state.tail += scale(products.high, products.low);
     }
 };
+
+ZIM_INLINE LowSingle::State<4> foldHalves(const LowSingle::State<8>& state)
+{
+    return {foldHalves(state.full), foldHalves(state.tail)};
+}
 
 // The same for inverse variances of 1. The odd last difference is taken in 32 bits, of which the low 16 are squared;
 // where the scale shifts left, its square is exact, and is halved and shifted by itself.
 struct LowSingleIdVar : LowSingle {
-    ZIM_INLINE void add(State& state, S16 x, S16 mean) const { LowSingle::add(state, x, mean, splat<S16>(1)); }
-    ZIM_INLINE void addTail(State& state, int rest, S8 x, S8 mean) const
+    bool isLastExact;
+
+    explicit ZIM_INLINE LowSingleIdVar(int scaleFactor) : LowSingle{LowScale(scaleFactor)}, isLastExact(scaleFactor < 0)
     {
-        const S8 isLast = rest & 1 ? onlyLane<S8>(rest - 1) : splat<S8>(0);
-        const S8 difference = subtractSaturated(x, mean);
-        if (scale.scaleFactor >= 0) {
-            addTailDifferences(state, select(isLast, x - mean, difference), splat<S8>(1));
-        } else {
-            addTailDifferences(state, keep(~isLast, difference), splat<S8>(1));
-            const I8 half = keep(widen(isLast), exactSquares(x, mean) >> 1);
-            state.tail += foldHalves(shifted(half, -scale.scaleFactor));
-        }
+    }
+
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean) const
+    {
+        LowSingle::add(state, x, mean, splat<Vec<Zim16s, N>>(1));
+    }
+    ZIM_INLINE void addTail(State<4>& state, Tail tail, S8 x, S8 mean) const
+    {
+        const int even = tail.rest & ~1;
+        LowSingle::addTail(state, {tail.start, even}, x, mean, splat<S8>(1));
+        if (even == tail.rest)
+            return;
+        const S8 last = tail.inFront(even, 1, x), lastMean = tail.inFront(even, 1, mean);
+        if (isLastExact)
+            state.tail += scale.forLow(exactSquaresInFront(last, lastMean) >> 1);
+        else
+            addGroup(state, last - lastMean, splat<S8>(1));
     }
 };
 
 // The last row of an odd number of rows: each full group is shifted by itself, and each element of the tail.
 struct LowOddLast {
-    using State = I8;
-    using Sum = I4;
+    template <int lanes>
+    using State = Vec<Zim32s, lanes>;
     LowScale scale;
 
-    ZIM_INLINE void add(State& state, S16 x, S16 mean, S16 invVar) const
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean, Vec<Zim16s, N> invVar) const
     {
-        const Products products = productsOfPairs(subtractSaturated(x, mean), invVar);
+        const auto products = productsOfPairs(subtractSaturated(x, mean), invVar);
         state -= scale(products.high, products.low);
     }
-    ZIM_INLINE void addTail(State& state, int, S8 x, S8 mean, S8 invVar) const
+    ZIM_INLINE void addTail(State<4>& state, Tail tail, S8 x, S8 mean, S8 invVar) const
     {
-        const HalfSquares halves(withZeros(subtractSaturated(x, mean)));
-        state -= scale(multiplyWide(lowHalf(halves.high), invVar), multiplyWide(lowHalf(halves.low), invVar));
+        const HalfSquares<8> halves(tail.inFront(0, tail.rest, subtractSaturated(x, mean)));
+        invVar = tail.inFront(0, tail.rest, invVar);
+        const Unpacked<8> high = multiplyUnpacked(halves.high, invVar), low = multiplyUnpacked(halves.low, invVar);
+        state -= scale(high.low, low.low) + scale(high.high, low.high);
     }
-    ZIM_INLINE Sum sum(const State& state) const { return foldHalves(state); }
+    ZIM_INLINE I4 sum(I4 state) const { return state; }
 };
 
-// Rows in pairs: everything is summed, the tail's group of four in the first two lanes, its groups of two and of one in
-// the first, and shifted once.
+// Rows in pairs: everything is summed, the groups of the tail from the first lane on, and shifted once.
 struct LowPaired {
-    using State = Products;
-    using Sum = I4;
+    template <int lanes>
+    using State = Products<lanes>;
     LowScale scale;
 
-    ZIM_INLINE void add(State& state, S16 x, S16 mean, S16 invVar) const
+    template <int N>
+    ZIM_INLINE void add(State<N / 2>& state, Vec<Zim16s, N> x, Vec<Zim16s, N> mean, Vec<Zim16s, N> invVar) const
     {
         state -= productsOfPairs(subtractSaturated(x, mean), invVar);
     }
-    ZIM_INLINE void addTail(State& state, int rest, S8 x, S8 mean, S8 invVar) const
+    template <int N>
+    ZIM_INLINE void addTail(State<N / 2>& state, Tail tail, Vec<Zim16s, N> x, Vec<Zim16s, N> mean,
+                            Vec<Zim16s, N> invVar) const
     {
-        const S8 difference = subtractSaturated(x, mean);
-        // The halves of a state meet in the end, so that the second and third group start in the upper one.
-        const int first = rest < 4 ? 2 : 4;
-        state -= productsOfPairs(
-            join(difference, lanesDown(difference, first)),
-            join(keep(firstLanes<S8>(first), invVar), keep(firstLanes<S8>(2), lanesDown(invVar, first))));
-        if (rest == 7)
-            state -= productsOfPairs(withZeros(lanesDown(difference, 6)), withZeros(lanesDown(invVar, 6)));
+        tail.inGroups([&](auto difference, auto weights)
+                          ZIM_INLINE_LAMBDA { state -= productsOfPairs(difference, weights); },
+                      subtractSaturated(x, mean), invVar);
     }
-    ZIM_INLINE Sum sum(const State& state) const { return scale(foldHalves(state.high), foldHalves(state.low)); }
+    template <int lanes>
+    ZIM_INLINE Vec<Zim32s, lanes> sum(const State<lanes>& state) const
+    {
+        return scale(state.high, state.low);
+    }
     ZIM_INLINE LowOddLast oddLast() const { return {scale}; }
 };
 

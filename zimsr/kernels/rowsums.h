@@ -3,7 +3,7 @@
 // of sumLanes.
 //
 // A term is a function object that takes a vector of each operand and gives a Term::Sum; one that needs more has an
-// overload of sumTerms of its own. An operand is the Rows of a matrix, or a vector that all rows share.
+// overload of foldedTerms of its own. An operand is the Rows of a matrix, or a vector that all rows share.
 #pragma once
 
 #include <cstddef>
@@ -88,13 +88,20 @@ ZIM_INLINE void sumTerms(Term term, typename Term::Sum (&sum)[count], int width,
     }
 }
 
+// The same, folded as sumFolded wants them.
+template <int count, class Term, class... Row>
+ZIM_INLINE auto foldedTerms(Term term, int width, const Row&... rows)
+{
+    typename Term::Sum sum[count];
+    sumTerms(term, sum, width, rows...);
+    return foldLanes(sum);
+}
+
 // The sum of one row by itself.
 template <class Term, class... T>
 ZIM_INLINE auto sumRow(Term term, int width, const T*... operands)
 {
-    typename Term::Sum sum[1];
-    sumTerms(term, sum, width, Shared{operands}...);
-    return sumLanes(sum[0]);
+    return sumFolded(foldedTerms<1>(term, width, Shared{operands}...));
 }
 
 // Calls deliver(r, sums) for all whole groups of count rows from row first on: sums holds the sums of row r and the
@@ -105,15 +112,13 @@ template <int count, class Term, class Deliver, class... Operand>
 ZIM_INLINE std::ptrdiff_t sumGroups(Term term, std::ptrdiff_t first, int height, int width, Deliver deliver,
                                     const Operand&... operands)
 {
-    using Sum = typename Term::Sum;
     std::ptrdiff_t r = first;
-    Folded<Sum, count> previous;
+    decltype(foldedTerms<count>(term, width, rowsFrom<count>(r, operands)...)) previous{};
     for (; height - r >= count; r += count) {
-        Sum sum[count];
-        sumTerms(term, sum, width, rowsFrom<count>(r, operands)...);
+        const auto folded = foldedTerms<count>(term, width, rowsFrom<count>(r, operands)...);
         if (r != first)
             deliver(r - count, sumFolded(previous));
-        previous = foldLanes(sum);
+        previous = folded;
     }
     if (r != first)
         deliver(r - count, sumFolded(previous));

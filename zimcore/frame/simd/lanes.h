@@ -1,6 +1,8 @@
 // Moving lanes: within a vector, between two, and into halves.
 #pragma once
 
+#include <concepts>
+
 #include "zimcore/frame/simd/operators.h"
 
 namespace zimsr {
@@ -87,16 +89,6 @@ ZIM_INLINE Vec<T, N / 2> highHalf(Vec<T, N> v)
     return simd_detail::halfFrom<N / 2>(v);
 }
 
-// The first lanes of a vector, a power of two of them.
-template <int lanes, class T, int N>
-ZIM_INLINE Vec<T, lanes> lowLanes(Vec<T, N> v)
-{
-    if constexpr (lanes == N)
-        return v;
-    else
-        return lowLanes<lanes>(lowHalf(v));
-}
-
 template <class T, int N>
 ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
 {
@@ -112,33 +104,86 @@ ZIM_INLINE Vec<T, 2 * N> join(Vec<T, N> low, Vec<T, N> high)
     return whole;
 }
 
-// v in the lower half, zeros in the upper.
-template <class T, int N>
-ZIM_INLINE Vec<T, 2 * N> withZeros(Vec<T, N> v)
+// The lower half of low and the upper half of high.
+template <std::floating_point T, int N>
+ZIM_INLINE Vec<T, N> outerHalves(Vec<T, N> low, Vec<T, N> high)
 {
 #if defined(__AVX2__)
-    if constexpr (Vec<T, N>::bytes == 16)
-        return {(typename Vec<T, 2 * N>::Part)_mm256_zextsi128_si256((__m128i)v.part[0])};
+    // The compiler would make a shuffle across both halves, which takes longer than a blend.
+    using V = Vec<T, N>;
+    if constexpr (V::bytes == 32)
+        return {(typename V::Part)_mm256_blend_ps((__m256)low.part[0], (__m256)high.part[0], 0xF0)};
     else
 #endif
-        return join(v, splat<Vec<T, N>>(0));
+        return join(lowHalf(low), highHalf(high));
 }
 
-// Lane i of the result is lane i + lanes of v, and zero behind the last; 0 <= lanes <= 8.
-ZIM_INLINE S8 lanesDown(S8 v, int lanes)
+// The first lanes of a vector, a power of two of them.
+template <int lanes, class T, int N>
+ZIM_INLINE Vec<T, lanes> lowLanes(Vec<T, N> v)
 {
-    const __m128i x = (__m128i)v.part[0];
+    if constexpr (lanes == N)
+        return v;
+    else
+        return lowLanes<lanes>(lowHalf(v));
+}
+
+// Eight lanes in each group of eight: the same from one place, or, of two groups, those of a place for each. Loads that
+// repeat cost the processor no more than others, and a blend less than an insertion.
+template <int N, class T>
+ZIM_INLINE Vec<T, N> loadInEachEight(const T* source)
+{
+    using Eight = Vec<T, 8>;
+    if constexpr (N == 8)
+        return load<Eight>(source);
 #if defined(__AVX2__)
-    // Bytes are picked by number; a number of 128 or more picks zero.
-    const __m128i first = _mm_set1_epi8(static_cast<char>(128 - 16 + 2 * lanes));
-    return {(S8::Part)_mm_shuffle_epi8(x, _mm_add_epi8(first, (__m128i)laneIndex<B16>().part[0]))};
-#else
-    const __m128i upper = _mm_srli_si128(x, 8);
-    if (lanes >= 4)
-        return {(S8::Part)_mm_srl_epi64(upper, _mm_cvtsi32_si128(16 * (lanes - 4)))};
-    return {(S8::Part)_mm_or_si128(_mm_srl_epi64(x, _mm_cvtsi32_si128(16 * lanes)),
-                                   _mm_sll_epi64(upper, _mm_cvtsi32_si128(16 * (4 - lanes))))};
+    else if constexpr (N == 16 && Eight::bytes == 16)
+        return {(typename Vec<T, N>::Part)_mm256_broadcastsi128_si256((__m128i)load<Eight>(source).part[0])};
 #endif
+    else
+        return join(loadInEachEight<N / 2>(source), loadInEachEight<N / 2>(source));
+}
+
+template <class T>
+ZIM_INLINE Vec<T, 16> loadEights(const T* low, const T* high)
+{
+    using Eight = Vec<T, 8>;
+#if defined(__AVX2__)
+    if constexpr (Eight::bytes == 16)
+        return {(typename Vec<T, 16>::Part)_mm256_blend_epi32(_mm256_castsi128_si256((__m128i)load<Eight>(low).part[0]),
+                                                              (__m256i)loadInEachEight<16>(high).part[0], 0xF0)};
+    else
+#endif
+        return join(load<Eight>(low), load<Eight>(high));
+}
+
+// Within each group of eight lanes: count lanes from lane first on, and zeros behind them; first + count <= 8.
+template <int N>
+ZIM_INLINE Vec<int16_t, N> lanesInFront(Vec<int16_t, N> v, int first, int count)
+{
+    alignas(32) static constexpr int16_t masks[16] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    using V = Vec<int16_t, N>;
+#if defined(__AVX2__)
+    alignas(32) static constexpr int16_t picks[16] = {0x0100, 0x0302, 0x0504, 0x0706, 0x0908, 0x0B0A, 0x0D0C, 0x0F0E};
+    const V moved = simd_detail::eachPart<V>(
+        [](auto x, auto pick) {
+            if constexpr (sizeof(x) == 16)
+                return (decltype(x))_mm_shuffle_epi8((__m128i)x, (__m128i)pick);
+            else
+                return (decltype(x))_mm256_shuffle_epi8((__m256i)x, (__m256i)pick);
+        },
+        v, loadInEachEight<N>(picks + first));
+#else
+    const V moved = simd_detail::eachPart<V>(
+        [=](auto part) {
+            const __m128i x = (__m128i)part, upper = _mm_srli_si128(x, 8);
+            return (decltype(part))(first < 4 ? _mm_or_si128(_mm_srl_epi64(x, _mm_cvtsi32_si128(16 * first)),
+                                                             _mm_sll_epi64(upper, _mm_cvtsi32_si128(16 * (4 - first))))
+                                              : _mm_srl_epi64(upper, _mm_cvtsi32_si128(16 * (first - 4))));
+        },
+        v);
+#endif
+    return moved & loadInEachEight<N>(masks + 8 - count);
 }
 
 }  // namespace zimsr

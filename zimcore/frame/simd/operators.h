@@ -78,24 +78,34 @@ ZIM_INLINE Vec<T, N> operator>>(Vec<T, N> a, int count)
     return simd_detail::eachPart<Vec<T, N>>([count](auto x) { return x >> count; }, a);
 }
 
-// v * 2^left * 2^-right of 32-bit lanes, for any counts of 0 and more: what is shifted out is lost, and the sign comes in
-// from the left.
-template <int N>
-ZIM_INLINE Vec<int32_t, N> shifted(Vec<int32_t, N> v, int left, int right)
-{
-    using V = Vec<int32_t, N>;
-    const __m128i leftCount = _mm_cvtsi32_si128(left), rightCount = _mm_cvtsi32_si128(right);
-    return simd_detail::eachPart<V>(
-        [=](auto x) ZIM_INLINE_LAMBDA {
-            if constexpr (V::partBytes == 16)
-                return (typename V::Part)_mm_sra_epi32(_mm_sll_epi32((__m128i)x, leftCount), rightCount);
+// Multiplication of 32-bit lanes with 2^amount, for any amount: what is shifted out is lost, and the sign comes in from
+// the left. Made once for many vectors.
+class Shift {
+public:
+    explicit ZIM_INLINE Shift(int amount)
+        : left(_mm_cvtsi32_si128(amount > 0 ? amount : 0)), right(_mm_cvtsi32_si128(amount < 0 ? -amount : 0))
+    {
+    }
+
+    template <int N>
+    ZIM_INLINE Vec<int32_t, N> operator()(Vec<int32_t, N> v) const
+    {
+        using V = Vec<int32_t, N>;
+        return simd_detail::eachPart<V>(
+            [this](auto x) ZIM_INLINE_LAMBDA {
+                if constexpr (V::partBytes == 16)
+                    return (typename V::Part)_mm_sra_epi32(_mm_sll_epi32((__m128i)x, left), right);
 #if defined(__AVX2__)
-            else
-                return (typename V::Part)_mm256_sra_epi32(_mm256_sll_epi32((__m256i)x, leftCount), rightCount);
+                else
+                    return (typename V::Part)_mm256_sra_epi32(_mm256_sll_epi32((__m256i)x, left), right);
 #endif
-        },
-        v);
-}
+            },
+            v);
+    }
+
+private:
+    __m128i left, right;
+};
 
 #define ZIM_COMPARE(op)                                                                                              \
     template <class T, int N>                                                                                        \

@@ -33,10 +33,13 @@ ZIM_INLINE V loadFirst(const typename V::Lane* source, int count)
 {
     constexpr int laneBytes = sizeof(typename V::Lane);
 #if defined(__AVX2__)
-    if constexpr (V::partBytes == 32 && laneBytes == 4 && V::parts == 1)
-        return {(typename V::Part)_mm256_maskload_epi32(reinterpret_cast<const int*>(source),
-                                                        (__m256i)firstLanes<V>(count).part[0])};
-    else if constexpr (V::partBytes == 32 && laneBytes == 8 && V::parts == 1)
+    if constexpr (V::parts == 1 && laneBytes == 4) {
+        const auto inside = firstLanes<V>(count).part[0];
+        if constexpr (V::bytes == 32)
+            return {(typename V::Part)_mm256_maskload_epi32(reinterpret_cast<const int*>(source), (__m256i)inside)};
+        else
+            return {(typename V::Part)_mm_maskload_epi32(reinterpret_cast<const int*>(source), (__m128i)inside)};
+    } else if constexpr (V::partBytes == 32 && laneBytes == 8 && V::parts == 1)
         return {(typename V::Part)_mm256_maskload_epi64(reinterpret_cast<const long long*>(source),
                                                         (__m256i)firstLanes<V>(count).part[0])};
     else
@@ -48,6 +51,13 @@ ZIM_INLINE V loadFirst(const typename V::Lane* source, int count)
             result.part[p] = (typename V::Part)simd_detail::loadWords(reinterpret_cast<const char*>(source) + 16 * p,
                                                                       count * (laneBytes / 4) - 4 * p);
         return result;
+    } else if constexpr (laneBytes == 2 && V::lanes >= 8) {
+        // In words of two lanes, and an odd one.
+        using Words = Vec<int32_t, V::lanes / 2>;
+        const V pairs = reinterpret<V>(loadFirst<Words>(reinterpret_cast<const int32_t*>(source), count / 2));
+        const auto odd = firstLanes<V>(count) & ~firstLanes<V>(count & ~1);
+        return count & 1 ? pairs | reinterpret<V>(odd & reinterpret<typename V::Mask>(splat<V>(source[count - 1])))
+                         : pairs;
     } else {
         typename V::Lane lanes[V::lanes] = {};
         std::memcpy(lanes, source, static_cast<std::size_t>(count) * sizeof(typename V::Lane));
