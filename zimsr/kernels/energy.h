@@ -24,16 +24,22 @@ struct Column {
 
     void gather(std::size_t from, std::size_t count, T* block) const
     {
-        const T* element = first + static_cast<std::ptrdiff_t>(from) * step;
-        for (std::size_t i = 0; i < count; ++i, element += step)
-            block[i] = *element;
+        forEach(from, count, [=](T& element, std::size_t i) { block[i] = element; });
     }
 
     void scatter(const T* block, std::size_t from, std::size_t count) const
     {
+        forEach(from, count, [=](T& element, std::size_t i) { element = block[i]; });
+    }
+
+    // Calls body(element, 0), body(element, 1), ... for count elements.
+    template <class Body>
+    ZIM_INLINE void forEach(std::size_t from, std::size_t count, Body body) const
+    {
         T* element = first + static_cast<std::ptrdiff_t>(from) * step;
+#pragma GCC unroll 4
         for (std::size_t i = 0; i < count; ++i, element += step)
-            *element = block[i];
+            body(*element, i);
     }
 };
 
@@ -64,15 +70,15 @@ inline Zim32f greatest(const Column<Zim32f>& column)
 
 inline Zim16s greatest(const Zim16s* energies, std::size_t len)
 {
-    S16 best = splat<S16>(std::numeric_limits<Zim16s>::min());
-    for (std::size_t i = 0; i < len; i += 16) {
-        const int count = static_cast<int>(std::min<std::size_t>(16, len - i));
-        // What fills up the last vector is no energy.
-        best = max(best, select(firstLanes<S16>(count), loadFirst<S16>(energies + i, count), best));
-    }
-    Zim16s lanes[16];
-    store(lanes, best);
-    return *std::max_element(lanes, lanes + 16);
+    if (len < 16)
+        return *std::max_element(energies, energies + len);
+    // The last vector is stepped back.
+    S16 best = load<S16>(energies + len - 16);
+    for (std::size_t i = 0; i + 16 < len; i += 16)
+        best = max(best, load<S16>(energies + i));
+    Zim16s lanes[8];
+    store(lanes, max(lowHalf(best), highHalf(best)));
+    return *std::max_element(lanes, lanes + 8);
 }
 
 // ---- Rules: how a vector of energies is normalised
@@ -90,10 +96,10 @@ struct FloatRule {
     Zim32f target, maxE, floor, scale;
 
     // A NaN is not below the floor.
-    ZIM_INLINE F8 operator()(F8 e) const
+    template <class V>
+    ZIM_INLINE V operator()(V e) const
     {
-        const F8 limited = select(e < splat<F8>(floor), splat<F8>(floor), e);
-        return splat<F8>(target) - (splat<F8>(maxE) - limited) * splat<F8>(scale);
+        return splat<V>(target) - (splat<V>(maxE) - max(splat<V>(floor), e)) * splat<V>(scale);
     }
 };
 
@@ -154,6 +160,15 @@ void normalise(const Column<typename Rule::Element>& column, const Rule& rule)
             mapElements<Rule::lanes>(block, count, rule, block);
             column.scatter(block, from, count);
         });
+}
+
+// The float rule takes fewer steps than it takes to bring energies together and apart again.
+inline void normalise(const Column<Zim32f>& column, const FloatRule& rule)
+{
+    if (column.step == 1)
+        mapElements<FloatRule::lanes>(column.first, column.height, rule, column.first);
+    else
+        column.forEach(0, column.height, [=](Zim32f& e, std::size_t) { e = rule(e); });
 }
 
 // By the fixed rule, unless the scale is too large for it.

@@ -40,13 +40,16 @@ ZimStatus zimsNormEnergy_16s(Zim16s* srcDst, int step, int height, Zim16s silFlo
     if (ZimStatus fault = firstFault(anyNull(srcDst), anyBelowOne(step, height)))
         return fault;
     const Column<Zim16s> column = columnOf(srcDst, step, height);
-    Scratch<Zim16s, 1024> energies(column.height);
-    if (!energies)
+    // Asked for at every step, so that the step does not decide whether a call can fail.
+    Scratch<Zim16s, 1024> gathered(column.height);
+    if (!gathered)
         return zimStsAllocFailed;
-    column.gather(0, column.height, energies.data());
-    normalise(columnOf(energies.data(), 1, height), silFloor, greatest(energies.data(), column.height), val, scale,
-              height < 11);
-    column.scatter(energies.data(), 0, column.height);
+    Zim16s* const energies = step == 1 ? srcDst : gathered.data();
+    if (step != 1)
+        column.gather(0, column.height, energies);
+    normalise(columnOf(energies, 1, height), silFloor, greatest(energies, column.height), val, scale, height < 11);
+    if (step != 1)
+        column.scatter(energies, 0, column.height);
     return zimStsOk;
 }
 
