@@ -231,6 +231,7 @@ inline void buildFilters(ZimsFBankState_32s* state, const Edges& edges)
 // sum + the products of count weights and bins.
 inline Zim64s addProducts(Zim64s sum, const Zim32s* weights, const Zim32s* bins, std::ptrdiff_t count)
 {
+#pragma GCC unroll 4
     for (std::ptrdiff_t j = 0; j < count; ++j) {
         const Zim64s product = (Zim64s{weights[j]} * bins[j]) >> 8;
         if (__builtin_add_overflow(sum, product, &sum)) [[unlikely]]
