@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
-#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
 #include <vector>
 
 #include <zimsr.h>
@@ -11,7 +13,6 @@
 namespace {
 
 using Floats = std::vector<Zim32f>;
-using Doubles = std::vector<Zim64f>;
 
 // FNV-1a over the bytes of results.
 class Digest {
@@ -35,14 +36,18 @@ class Numbers {
 public:
     explicit Numbers(std::uint64_t seed) : state_(seed * 2 + 1) {}
 
-    std::int32_t integer() { return static_cast<std::int32_t>(next()); }
-
     template <class T>
     std::vector<T> between(int count, double low, double high)
     {
-        std::vector<T> values;
-        for (int i = 0; i < count; ++i)
-            values.push_back(static_cast<T>(low + (high - low) * (next() >> 8) / 16777216.0));
+        const auto number = [&] { return low + (high - low) * (next() >> 8) / 16777216.0; };
+        std::vector<T> values(count);
+        for (T& value : values)
+            if constexpr (std::is_same_v<T, Zim32fc>) {
+                value.re = static_cast<Zim32f>(number());
+                value.im = static_cast<Zim32f>(number());
+            } else {
+                value = static_cast<T>(number());
+            }
         return values;
     }
 
@@ -55,107 +60,164 @@ private:
     std::uint64_t state_;
 };
 
-void report(const std::string& name, const std::function<void(Digest&)>& run)
+void report(const char* name, const std::function<void(Digest&)>& run)
 {
     Digest digest;
     run(digest);
-    std::printf("%-34s %016llx\n", name.c_str(), static_cast<unsigned long long>(digest.value()));
+    std::printf("%-34s %016llx\n", name, static_cast<unsigned long long>(digest.value()));
 }
 
-// Runs over lengths that take every path, with arrays at several places in a vector register.
-void overLengths(const std::function<void(int len, int offset)>& run)
+// ---- Any function on arrays, called as its signature tells
+
+// Arrays hold numbers of one range; constants are passed by value in their order.
+struct Range {
+    double low, high;
+    std::vector<double> constants = {};
+};
+
+// The ints of a signature, from left to right: length, step, width, height, scale factor, three times the width, or a
+// digit for itself.
+struct Shape {
+    int width, height, offset;
+
+    int step() const { return width + width % 3; }
+    int capacity() const { return 3 * width * (height + 6) + width * width; }
+    int value(char what) const
+    {
+        constexpr int factors[] = {3, 20, -2};
+        switch (what) {
+            case 'n':
+            case 'w':
+                return width;
+            case 's':
+                return step();
+            case 'h':
+                return height;
+            case 'f':
+                return factors[(width + height) % 3];
+            case 't':
+                return 3 * width;
+            default:
+                return what - '0';
+        }
+    }
+};
+
+struct Drawing {
+    Numbers& numbers;
+    const Shape& shape;
+    int capacity;
+    std::string_view ints;
+    const Range& range;
+    std::size_t nextInt = 0, nextConstant = 0, nextArray = 0;
+};
+
+template <class Argument>
+struct Operand {
+    Argument value;
+
+    explicit Operand(Drawing& d)
+    {
+        if constexpr (std::is_same_v<Argument, int>)
+            value = d.shape.value(d.ints[d.nextInt++]);
+        else
+            value = static_cast<Argument>(d.range.constants[d.nextConstant++]);
+    }
+    Argument passed() { return value; }
+    void addTo(Digest&) const {}
+};
+
+template <class T>
+struct Operand<T*> {
+    using Element = std::remove_const_t<T>;
+    std::vector<Element> values;
+    int offset;
+
+    explicit Operand(Drawing& d)
+        : values(d.numbers.between<Element>(d.capacity + d.shape.offset, d.range.low, d.range.high)),
+          offset(d.nextArray++ % 2 == 0 ? d.shape.offset : 0)
+    {
+    }
+    T* passed() { return values.data() + offset; }
+    void addTo(Digest& digest) const
+    {
+        if (!std::is_const_v<T>)
+            digest.add(values);
+    }
+};
+
+template <class... Argument>
+void addCall(Digest& digest, ZimStatus (*function)(Argument...), Drawing drawing)
 {
-    for (int len = 1; len <= 70; ++len)
-        run(len, len % 4);
-    for (int len : {100, 255, 256, 257, 1000, 4099, 70000})
-        for (int offset = 0; offset < 2; ++offset)
-            run(len, offset);
+    std::tuple<Operand<Argument>...> operands{Operand<Argument>(drawing)...};
+    std::apply(
+        [&](auto&... operand) {
+            digest.add(function(operand.passed()...));
+            (operand.addTo(digest), ...);
+        },
+        operands);
 }
 
-template <class T>
-using Unary = ZimStatus (*)(const T*, int, T*);
-
-template <class T>
-void reportReduction(const char* name, Unary<T> function, double low, double high)
+// Over lengths that take every path, with arrays at several places in a vector register.
+template <class... Function>
+void reportVectors(const char* name, std::string_view ints, const Range& range, Function... functions)
 {
     report(name, [&](Digest& digest) {
         Numbers numbers(1);
-        overLengths([&](int len, int offset) {
-            const auto x = numbers.between<T>(len + offset, low, high);
-            std::vector<T> result(1);
-            digest.add(function(x.data() + offset, len, result.data()));
-            digest.add(result);
-        });
+        const auto add = [&](int len, int offset) {
+            const Shape shape{len, 1, offset};
+            (addCall(digest, functions, Drawing{numbers, shape, len, ints, range}), ...);
+        };
+        for (int len = 1; len <= 70; ++len)
+            add(len, len % 4);
+        for (int len : {100, 255, 256, 257, 1000, 4099, 70000})
+            for (int offset = 0; offset < 2; ++offset)
+                add(len, offset);
     });
 }
 
-template <class T, class Result>
-void reportDotProduct(const char* name, ZimStatus (*function)(const T*, const T*, int, Result*), double bound)
+// Over matrices of many shapes, gaps between the rows included.
+template <class... Function>
+void reportMatrices(const char* name, std::string_view ints, const Range& range, Function... functions)
 {
     report(name, [&](Digest& digest) {
-        Numbers numbers(2);
-        overLengths([&](int len, int offset) {
-            const auto x = numbers.between<T>(len + offset, -bound, bound), y = numbers.between<T>(len, -bound, bound);
-            std::vector<Result> result(1);
-            digest.add(function(x.data() + offset, y.data(), len, result.data()));
-            digest.add(result);
-        });
+        Numbers numbers(7);
+        for (int width = 1; width <= 45; ++width)
+            for (int height : {2, 3, 4, 7, 130}) {
+                const Shape shape{width, height, 0};
+                if (height < 10 || width % 8 == 5)
+                    (addCall(digest, functions, Drawing{numbers, shape, shape.capacity(), ints, range}), ...);
+            }
     });
 }
 
-template <class T>
-void reportElementwise(const char* name, const std::function<ZimStatus(const T*, T*, int)>& function, double low,
-                       double high)
-{
-    report(name, [&](Digest& digest) {
-        Numbers numbers(3);
-        overLengths([&](int len, int offset) {
-            const auto x = numbers.between<T>(len + offset, low, high);
-            auto y = numbers.between<T>(len, low, high);
-            digest.add(function(x.data() + offset, y.data(), len));
-            digest.add(y);
-        });
-    });
-}
+#define VECTORS(function, ...) reportVectors(#function, __VA_ARGS__, function)
+#define MATRICES(function, ...) reportMatrices(#function, __VA_ARGS__, function)
+
+// ---- Families
 
 void vectors()
 {
-    reportReduction<Zim32f>("zimsMax_32f", zimsMax_32f, -1, 1);
-    reportReduction<Zim32f>("zimsMin_32f", zimsMin_32f, -1, 1);
-    reportReduction<Zim64f>("zimsMax_64f", zimsMax_64f, -1, 1);
-    reportReduction<Zim64f>("zimsMin_64f", zimsMin_64f, -1, 1);
-    reportReduction<Zim32f>("zimsSumLn_32f", zimsSumLn_32f, 1e-9, 100);
-    reportReduction<Zim64f>("zimsSumLn_64f", zimsSumLn_64f, 1e-9, 100);
-    for (int hint : {0, 1})
-        reportReduction<Zim32f>(
-            hint ? "zimsSum_32f fast" : "zimsSum_32f accurate",
-            hint ? [](const Zim32f* x, int len, Zim32f* sum) { return zimsSum_32f(x, len, sum, 1); }
-                 : [](const Zim32f* x, int len, Zim32f* sum) { return zimsSum_32f(x, len, sum, 0); },
-            -1, 1);
-    reportDotProduct("zimsDotProd_32f", zimsDotProd_32f, 1);
-    reportDotProduct("zimsDotProd_64f", zimsDotProd_64f, 1);
-    reportDotProduct("zimsDotProd_32f64f", zimsDotProd_32f64f, 1);
-    reportDotProduct("zimsDotProd_16s32f", zimsDotProd_16s32f, 32767);
-    reportElementwise<Zim32f>("zimsAdd_32f_I", zimsAdd_32f_I, -1, 1);
-    reportElementwise<Zim64f>("zimsSub_64f_I", zimsSub_64f_I, -1, 1);
-    reportElementwise<Zim32f>("zimsDiv_32f_I", zimsDiv_32f_I, 0.01, 1);
-    reportElementwise<Zim32f>(
-        "zimsMulC_32f", [](const Zim32f* x, Zim32f* y, int len) { return zimsMulC_32f(x, 0.3f, y, len); }, -1, 1);
-    reportElementwise<Zim64f>(
-        "zimsDivC_64f", [](const Zim64f* x, Zim64f* y, int len) { return zimsDivC_64f(x, 0.3, y, len); }, -1, 1);
-    reportElementwise<Zim32f>(
-        "zimsLn_32f_I", [](const Zim32f*, Zim32f* y, int len) { return zimsLn_32f_I(y, len); }, 1e-9, 1000);
-    reportElementwise<Zim64f>(
-        "zimsSqrt_64f_I", [](const Zim64f*, Zim64f* y, int len) { return zimsSqrt_64f_I(y, len); }, 0, 1000);
-    report("zimsMagnitude_32fc", [](Digest& digest) {
-        Numbers numbers(4);
-        overLengths([&](int len, int offset) {
-            const auto x = numbers.between<Zim32f>(2 * (len + offset), -1, 1);
-            Floats magnitude(static_cast<std::size_t>(len));
-            digest.add(zimsMagnitude_32fc(reinterpret_cast<const Zim32fc*>(x.data()) + offset, magnitude.data(), len));
-            digest.add(magnitude);
-        });
-    });
+    VECTORS(zimsMax_32f, "n", Range{-1, 1});
+    VECTORS(zimsMin_32f, "n", Range{-1, 1});
+    VECTORS(zimsMax_64f, "n", Range{-1, 1});
+    VECTORS(zimsMin_64f, "n", Range{-1, 1});
+    VECTORS(zimsSumLn_32f, "n", Range{1e-9, 100});
+    VECTORS(zimsSumLn_64f, "n", Range{1e-9, 100});
+    reportVectors("zimsSum_32f accurate", "n0", Range{-1, 1}, zimsSum_32f);
+    reportVectors("zimsSum_32f fast", "n1", Range{-1, 1}, zimsSum_32f);
+    VECTORS(zimsDotProd_32f, "n", Range{-1, 1});
+    VECTORS(zimsDotProd_64f, "n", Range{-1, 1});
+    VECTORS(zimsDotProd_32f64f, "n", Range{-1, 1});
+    VECTORS(zimsDotProd_16s32f, "n", Range{-32767, 32767});
+    VECTORS(zimsAdd_32f_I, "n", Range{-1, 1});
+    VECTORS(zimsSub_64f_I, "n", Range{-1, 1});
+    VECTORS(zimsDiv_32f_I, "n", Range{0.01, 1});
+    reportVectors("zimsMulC_32f", "n", Range{-1, 1, {0.3}}, zimsMulC_32f);
+    reportVectors("zimsDivC_64f", "n", Range{-1, 1, {0.3}}, zimsDivC_64f);
+    VECTORS(zimsLn_32f_I, "n", Range{1e-9, 1000});
+    VECTORS(zimsSqrt_64f_I, "n", Range{0, 1000});
+    VECTORS(zimsMagnitude_32fc, "n", Range{-1, 1});
 }
 
 void transforms()
@@ -188,218 +250,73 @@ void transforms()
     });
 }
 
-template <class T, class Call>
-void reportScores(const char* name, Call call)
-{
-    report(name, [&](Digest& digest) {
-        Numbers numbers(7);
-        for (int width = 1; width <= 70; ++width)
-            for (int height : {1, 2, 4, 7}) {
-                const int step = width + width % 3;
-                const auto mat = numbers.between<T>(step * height, -4, 4),
-                           mean = numbers.between<T>(step * height, -4, 4),
-                           invVar = numbers.between<T>(step * height, 0.1, 4);
-                auto result = numbers.between<T>(height, -3, 3);
-                digest.add(call(mat.data(), step, mean.data(), invVar.data(), width, result.data(), height));
-                digest.add(result);
-            }
-    });
-}
-
-// Every fold in turn, on the same running scores.
-template <class T, class Frames, class Gaussians, class Whole, class WholeOfIdentity>
-void reportMixtures(const char* name, Frames max, Frames add, Gaussians maxMix, Gaussians addMix, Whole mixture,
-                    WholeOfIdentity mixtureOfIdentity)
-{
-    report(name, [&](Digest& digest) {
-        Numbers numbers(13);
-        for (int width = 1; width <= 45; ++width)
-            for (int height : {1, 4, 7, 130}) {
-                const int step = width + width % 3;
-                const auto mat = numbers.between<T>(step * height, -1, 1),
-                           weights = numbers.between<T>(step * height, 0.1, 3), x = numbers.between<T>(width, -1, 1),
-                           constants = numbers.between<T>(height, -40, 0);
-                auto scores = numbers.between<T>(height, -60, 0);
-                for (Frames fold : {max, add}) {
-                    digest.add(fold(mat.data(), step, x.data(), weights.data(), width, scores.data(), height, -9));
-                    digest.add(scores);
-                }
-                for (Gaussians fold : {maxMix, addMix}) {
-                    digest.add(fold(mat.data(), weights.data(), step, x.data(), width, constants.data(), scores.data(),
-                                    height));
-                    digest.add(scores);
-                }
-                digest.add(mixture(x.data(), mat.data(), weights.data(), height, step, width, constants.data(),
-                                   scores.data()));
-                digest.add(scores);
-                digest.add(
-                    mixtureOfIdentity(x.data(), mat.data(), height, step, width, constants.data(), scores.data()));
-                digest.add(scores);
-            }
-    });
-}
-
 void scores()
 {
-    reportScores<Zim32f>("zimsLogGauss_32f_D2",
-                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
-                             return zimsLogGauss_32f_D2(mat, step, mean, invVar, width, result, height, -1.3f);
-                         });
-    reportScores<Zim64f>("zimsLogGauss_64f_D2",
-                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
-                             return zimsLogGauss_64f_D2(mat, step, mean, invVar, width, result, height, -1.3);
-                         });
-    reportScores<Zim32f>("zimsLogGauss_IdVar_32f_D2",
-                         [](auto mat, auto step, auto mean, auto, auto width, auto result, auto height) {
-                             return zimsLogGauss_IdVar_32f_D2(mat, step, mean, width, result, height, -1.3f);
-                         });
-    reportScores<Zim64f>("zimsLogGauss_IdVar_64f_D2",
-                         [](auto mat, auto step, auto mean, auto, auto width, auto result, auto height) {
-                             return zimsLogGauss_IdVar_64f_D2(mat, step, mean, width, result, height, -1.3);
-                         });
-    reportScores<Zim32f>("zimsLogGaussMultiMix_32f_D2",
-                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
-                             return zimsLogGaussMultiMix_32f_D2(mean, invVar, step, mat, width, result, height);
-                         });
-    reportScores<Zim64f>("zimsLogGaussMultiMix_64f_D2",
-                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
-                             return zimsLogGaussMultiMix_64f_D2(mean, invVar, step, mat, width, result, height);
-                         });
-    reportMixtures<Zim32f>("mixtures of Zim32f", zimsLogGaussMax_32f_D2, zimsLogGaussAdd_32f_D2,
-                           zimsLogGaussMaxMultiMix_32f_D2, zimsLogGaussAddMultiMix_32f_D2, zimsLogGaussMixture_32f_D2,
-                           zimsLogGaussMixture_IdVar_32f_D2);
-    reportMixtures<Zim64f>("mixtures of Zim64f", zimsLogGaussMax_64f_D2, zimsLogGaussAdd_64f_D2,
-                           zimsLogGaussMaxMultiMix_64f_D2, zimsLogGaussAddMultiMix_64f_D2, zimsLogGaussMixture_64f_D2,
-                           zimsLogGaussMixture_IdVar_64f_D2);
-    reportScores<Zim32f>("zimsLogGaussSingle_32f",
-                         [](auto mat, auto, auto mean, auto invVar, auto width, auto result, auto) {
-                             return zimsLogGaussSingle_32f(mat, mean, invVar, width, result, -1.3f);
-                         });
-    reportScores<Zim32f>("zimsLogGaussSingle_DirectVar_32f",
-                         [](auto mat, auto, auto mean, auto var, auto width, auto result, auto) {
-                             return zimsLogGaussSingle_DirectVar_32f(mat, mean, var, width, result, -1.3f);
-                         });
-    reportScores<Zim64f>("zimsLogGaussSingle_DirectVar_64f",
-                         [](auto mat, auto, auto mean, auto var, auto width, auto result, auto) {
-                             return zimsLogGaussSingle_DirectVar_64f(mat, mean, var, width, result, -1.3);
-                         });
-    reportScores<Zim64f>("zimsLogGaussSingle_IdVar_64f",
-                         [](auto mat, auto, auto mean, auto, auto width, auto result, auto) {
-                             return zimsLogGaussSingle_IdVar_64f(mat, mean, width, result, -1.3);
-                         });
+    const Range one{0.1, 4, {-1.3}}, many{0.1, 4}, folded{0.1, 1, {-9}};
+    MATRICES(zimsLogGauss_32f_D2, "swh", one);
+    MATRICES(zimsLogGauss_64f_D2, "swh", one);
+    MATRICES(zimsLogGauss_IdVar_32f_D2, "swh", one);
+    MATRICES(zimsLogGauss_IdVar_64f_D2, "swh", one);
+    MATRICES(zimsLogGaussMultiMix_32f_D2, "swh", many);
+    MATRICES(zimsLogGaussMultiMix_64f_D2, "swh", many);
+    MATRICES(zimsLogGaussSingle_32f, "w", one);
+    MATRICES(zimsLogGaussSingle_DirectVar_32f, "w", one);
+    MATRICES(zimsLogGaussSingle_DirectVar_64f, "w", one);
+    MATRICES(zimsLogGaussSingle_IdVar_64f, "w", one);
+    reportMatrices("frames folded", "swh", folded, zimsLogGaussMax_32f_D2, zimsLogGaussAdd_32f_D2,
+                   zimsLogGaussMax_64f_D2, zimsLogGaussAdd_64f_D2);
+    reportMatrices("Gaussians folded", "swh", folded, zimsLogGaussMaxMultiMix_32f_D2, zimsLogGaussAddMultiMix_32f_D2,
+                   zimsLogGaussMaxMultiMix_64f_D2, zimsLogGaussAddMultiMix_64f_D2);
+    reportMatrices("whole mixtures", "hsw", folded, zimsLogGaussMixture_32f_D2, zimsLogGaussMixture_IdVar_32f_D2,
+                   zimsLogGaussMixture_64f_D2, zimsLogGaussMixture_IdVar_64f_D2);
+    // The bits of a table are as random as its bytes.
+    reportMatrices("selected mixtures", "swhh", Range{0, 200, {-1}}, zimsLogGaussMixture_Select_32f_D2,
+                   zimsLogGaussMixture_SelectIdVar_32f_D2);
+    MATRICES(zimsMahDist_32f_D2, "swh", many);
+    MATRICES(zimsMahDistMultiMix_64f_D2, "swh", many);
+    reportMatrices("zimsMeanVarAcc_32f", "w", Range{-4, 4, {0.3}}, zimsMeanVarAcc_32f);
 }
 
 void fixedScores()
 {
-    report("fixed-point scores", [](Digest& digest) {
-        Numbers numbers(17);
-        for (int width = 1; width <= 45; ++width)
-            for (int height : {1, 4, 7, 130}) {
-                const int step = width + width % 3;
-                const auto mat = numbers.between<Zim16s>(step * height, -32768, 32767),
-                           weights = numbers.between<Zim16s>(step * height, -32768, 32767),
-                           x = numbers.between<Zim16s>(width, -32768, 32767);
-                const auto constants = numbers.between<Zim32f>(height, -40, 0);
-                const auto integers = numbers.between<Zim32s>(height, -1e6, 1e6);
-                auto scores = numbers.between<Zim32f>(height, -1e9, 0);
-                auto running = numbers.between<Zim32s>(height, -1e9, 1e9);
-                for (int factor : {3, 20, -2}) {
-                    const auto weighted = [&](auto& into, auto... doors) {
-                        ((digest.add(doors(mat.data(), step, x.data(), weights.data(), width, into.data(), height, -9,
-                                           factor)),
-                          digest.add(into)),
-                         ...);
-                    };
-                    const auto unweighted = [&](auto& into, auto... doors) {
-                        ((digest.add(doors(mat.data(), step, x.data(), width, into.data(), height, -9, factor)),
-                          digest.add(into)),
-                         ...);
-                    };
-                    const auto gaussians = [&](auto& into, const auto& val, auto... doors) {
-                        ((digest.add(doors(mat.data(), weights.data(), step, x.data(), width, val.data(), into.data(),
-                                           height, factor)),
-                          digest.add(into)),
-                         ...);
-                    };
-                    weighted(scores, zimsLogGauss_Scaled_16s32f_D2, zimsLogGaussMax_LowScaled_16s32f_D2,
-                             zimsLogGaussAdd_Scaled_16s32f_D2, zimsLogGaussAdd_LowScaled_16s32f_D2);
-                    weighted(running, zimsLogGauss_16s32s_D2Sfs, zimsLogGaussMax_16s32s_D2Sfs,
-                             zimsLogGauss_Low_16s32s_D2Sfs, zimsLogGaussMax_Low_16s32s_D2Sfs);
-                    unweighted(scores, zimsLogGauss_IdVarScaled_16s32f_D2, zimsLogGauss_IdVarLowScaled_16s32f_D2);
-                    unweighted(running, zimsLogGauss_IdVar_16s32s_D2Sfs, zimsLogGaussMax_IdVar_16s32s_D2Sfs,
-                               zimsLogGauss_IdVarLow_16s32s_D2Sfs, zimsLogGaussMax_IdVarLow_16s32s_D2Sfs);
-                    gaussians(scores, constants, zimsLogGaussMaxMultiMix_Scaled_16s32f_D2,
-                              zimsLogGaussAddMultiMix_LowScaled_16s32f_D2);
-                    gaussians(running, integers, zimsLogGaussMaxMultiMix_16s32s_D2Sfs,
-                              zimsLogGaussMaxMultiMix_Low_16s32s_D2Sfs);
-                    digest.add(zimsLogGaussMixture_Scaled_16s32f_D2(x.data(), mat.data(), weights.data(), height, step,
-                                                                    width, constants.data(), scores.data(), factor));
-                    digest.add(zimsLogGaussMixture_IdVarScaled_16s32f_D2(x.data(), mat.data(), height, step, width,
-                                                                         constants.data(), scores.data() + height - 1,
-                                                                         factor));
-                    digest.add(scores);
-                    for (auto single : {zimsLogGaussSingle_16s32s_Sfs, zimsLogGaussSingle_Low_16s32s_Sfs,
-                                        zimsLogGaussSingle_DirectVar_16s32s_Sfs}) {
-                        digest.add(single(mat.data(), x.data(), weights.data(), width, running.data(), 5, factor));
-                        digest.add(running);
-                    }
-                }
-            }
-    });
-}
-
-void distances()
-{
-    reportScores<Zim32f>("zimsMahDist_32f_D2",
-                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
-                             return zimsMahDist_32f_D2(mat, step, mean, invVar, width, result, height);
-                         });
-    reportScores<Zim64f>("zimsMahDistMultiMix_64f_D2",
-                         [](auto mat, auto step, auto mean, auto invVar, auto width, auto result, auto height) {
-                             return zimsMahDistMultiMix_64f_D2(mean, invVar, step, mat, width, result, height);
-                         });
-    report("zimsMeanVarAcc_32f", [](Digest& digest) {
-        Numbers numbers(12);
-        for (int width = 1; width <= 40; ++width) {
-            const auto x = numbers.between<Zim32f>(width, -4, 4), mean = numbers.between<Zim32f>(width, -4, 4);
-            auto meanAcc = numbers.between<Zim32f>(width, -4, 4), varAcc = numbers.between<Zim32f>(width, 0, 4);
-            digest.add(zimsMeanVarAcc_32f(x.data(), mean.data(), meanAcc.data(), varAcc.data(), width, 0.3f));
-            digest.add(meanAcc);
-            digest.add(varAcc);
-        }
-    });
+    const Range samples{-32768, 32767, {-9}};
+    reportMatrices("fixed-point scores", "swhf", samples, zimsLogGauss_Scaled_16s32f_D2,
+                   zimsLogGauss_IdVarScaled_16s32f_D2, zimsLogGauss_IdVarLowScaled_16s32f_D2,
+                   zimsLogGaussMax_LowScaled_16s32f_D2, zimsLogGaussAdd_Scaled_16s32f_D2,
+                   zimsLogGaussAdd_LowScaled_16s32f_D2, zimsLogGaussMaxMultiMix_Scaled_16s32f_D2,
+                   zimsLogGaussAddMultiMix_LowScaled_16s32f_D2, zimsLogGaussMaxMultiMix_16s32s_D2Sfs,
+                   zimsLogGaussMaxMultiMix_Low_16s32s_D2Sfs);
+    reportMatrices("fixed-point scores in integers", "swh9f", samples, zimsLogGauss_16s32s_D2Sfs,
+                   zimsLogGaussMax_16s32s_D2Sfs, zimsLogGauss_Low_16s32s_D2Sfs, zimsLogGaussMax_Low_16s32s_D2Sfs,
+                   zimsLogGauss_IdVar_16s32s_D2Sfs, zimsLogGaussMax_IdVar_16s32s_D2Sfs,
+                   zimsLogGauss_IdVarLow_16s32s_D2Sfs, zimsLogGaussMax_IdVarLow_16s32s_D2Sfs);
+    reportMatrices("fixed-point scores of a vector", "w5f", samples, zimsLogGaussSingle_16s32s_Sfs,
+                   zimsLogGaussSingle_Low_16s32s_Sfs);
+    reportMatrices("fixed-point mixtures", "hswf", samples, zimsLogGaussMixture_Scaled_16s32f_D2,
+                   zimsLogGaussMixture_IdVarScaled_16s32f_D2);
+    // No variance is 0.
+    reportMatrices("fixed-point scores of a variance", "w5f", Range{1, 32767}, zimsLogGaussSingle_DirectVar_16s32s_Sfs);
 }
 
 void logDomain()
 {
-    for (int hint : {0, 1, 2})
-        reportElementwise<Zim32f>(
-            ("zimsLogAdd_32f, hint " + std::to_string(hint)).c_str(),
-            [hint](const Zim32f* x, Zim32f* y, int len) { return zimsLogAdd_32f(x, y, len, hint); }, -20, 0);
-    reportElementwise<Zim64f>(
-        "zimsLogAdd_64f", [](const Zim64f* x, Zim64f* y, int len) { return zimsLogAdd_64f(x, y, len, 0); }, -30, 0);
-    const auto belowSource = [](auto* x, auto* y, int len) {
-        for (int i = 0; i < len; ++i)
-            y[i] += x[i];
-    };
-    reportElementwise<Zim32f>(
-        "zimsLogSub_32f",
-        [&](const Zim32f* x, Zim32f* y, int len) {
-            belowSource(x, y, len);
+    reportVectors("zimsLogAdd_32f, hint 0", "n0", Range{-20, 0}, zimsLogAdd_32f);
+    reportVectors("zimsLogAdd_32f, hint 1", "n1", Range{-20, 0}, zimsLogAdd_32f);
+    reportVectors("zimsLogAdd_32f, hint 2", "n2", Range{-20, 0}, zimsLogAdd_32f);
+    VECTORS(zimsLogAdd_64f, "n0", Range{-30, 0});
+    VECTORS(zimsLogSum_32f, "n", Range{-20, 0});
+    VECTORS(zimsLogSum_64f, "n", Range{-30, 0});
+    // Only from a greater one a number can be subtracted.
+    reportVectors(
+        "zimsLogSub_32f", "n", Range{-20, -0.001}, +[](const Zim32f* x, Zim32f* y, int len) {
+            zimsAdd_32f_I(x, y, len);
             return zimsLogSub_32f(x, y, len);
-        },
-        -20, -0.001);
-    reportElementwise<Zim64f>(
-        "zimsLogSub_64f",
-        [&](const Zim64f* x, Zim64f* y, int len) {
-            belowSource(x, y, len);
+        });
+    reportVectors(
+        "zimsLogSub_64f", "n", Range{-30, -0.001}, +[](const Zim64f* x, Zim64f* y, int len) {
+            zimsAdd_64f_I(x, y, len);
             return zimsLogSub_64f(x, y, len);
-        },
-        -30, -0.001);
-    reportReduction<Zim32f>(
-        "zimsLogSum_32f", [](const Zim32f* x, int len, Zim32f* sum) { return zimsLogSum_32f(x, sum, len); }, -20, 0);
-    reportReduction<Zim64f>(
-        "zimsLogSum_64f", [](const Zim64f* x, int len, Zim64f* sum) { return zimsLogSum_64f(x, sum, len); }, -30, 0);
+        });
 }
 
 template <class T, class Score, class Matrix>
@@ -439,26 +356,8 @@ void blockScores()
                       zimsLogGaussSingle_BlockDVar_16s32f);
 }
 
-void selections()
+void signTables()
 {
-    report("zimsLogGaussMixture_Select_32f_D2", [](Digest& digest) {
-        Numbers numbers(14);
-        for (int gaussCount : {1, 8, 9, 33, 200})
-            for (int height : {1, 2, 9, 40}) {
-                const auto src = numbers.between<Zim32f>(13 * height, -4, 4);
-                const auto mean = numbers.between<Zim32f>(13 * gaussCount, -4, 4);
-                const auto invVar = numbers.between<Zim32f>(13 * gaussCount, 0.1, 4);
-                const auto val = numbers.between<Zim32f>(gaussCount, -9, 0);
-                const auto table = numbers.between<Zim8u>((gaussCount + 7) / 8 * height, 0, 256);
-                Floats sums(static_cast<std::size_t>(height));
-                digest.add(zimsLogGaussMixture_Select_32f_D2(src.data(), mean.data(), invVar.data(), 13, 13, val.data(),
-                                                             table.data(), gaussCount, sums.data(), height, -1));
-                digest.add(sums);
-                digest.add(zimsLogGaussMixture_SelectIdVar_32f_D2(src.data(), mean.data(), 13, 13, val.data(),
-                                                                  table.data(), gaussCount, sums.data(), height, -1));
-                digest.add(sums);
-            }
-    });
     report("zimsBuildSignTable_8u1u", [](Digest& digest) {
         Numbers numbers(15);
         for (int bits = 1; bits <= 600; bits += 13) {
@@ -505,91 +404,6 @@ void frontEnd()
                 zimsFree(state);
             }
     });
-    report("zimsMelToLinear_32f", [](Digest& digest) {
-        Numbers numbers(10);
-        const auto mel = numbers.between<Zim32f>(1001, 0, 4000);
-        Floats hertz(mel.size()), back(mel.size());
-        digest.add(zimsMelToLinear_32f(mel.data(), hertz.data(), 1001, 1127, 700));
-        digest.add(zimsLinearToMel_32f(hertz.data(), back.data(), 1001, 1127, 700));
-        digest.add(hertz);
-        digest.add(back);
-    });
-    report("delta features", [](Digest& digest) {
-        Numbers numbers(11);
-        for (int width = 1; width <= 40; ++width) {
-            const auto x = numbers.between<Zim32f>(14 * width, -5, 5);
-            Floats deltas(static_cast<std::size_t>(14 * 3 * width));
-            digest.add(zimsDeltaDelta_Win1_32f_D2(x.data(), width, deltas.data(), 3 * width, 14, 0.5f, 0.3f, 3));
-            digest.add(deltas);
-            digest.add(zimsDeltaDelta_Win2_32f_D2(x.data(), width, deltas.data(), 3 * width, 14, 0.1f, 0.3f, 3));
-            digest.add(deltas);
-        }
-        const auto x = numbers.between<Zim32f>(14 * 20, -5, 5);
-        Floats aurora(39 * 20);
-        digest.add(zimsDeltaDelta_Aurora_32f_D2(x.data(), aurora.data(), 39, 20, 3));
-        digest.add(aurora);
-    });
-}
-
-// Rows of samples that swing around 0, at every length and place.
-template <class T, class Call>
-void reportSignal(const char* name, double bound, Call call)
-{
-    report(name, [&](Digest& digest) {
-        Numbers numbers(20);
-        overLengths([&](int len, int offset) {
-            const auto x = numbers.between<T>(len + offset, -bound, bound);
-            std::vector<T> y(static_cast<std::size_t>(len));
-            T previous = 3;
-            digest.add(call(x.data() + offset, y.data(), len, &previous));
-            digest.add(y);
-        });
-    });
-}
-
-void conditioning()
-{
-    reportSignal<Zim32f>("zimsCompensateOffset_32f", 30000, [](auto x, auto y, int len, auto previous) {
-        return zimsCompensateOffset_32f(x, y, len, previous, 1, 0.999f);
-    });
-    reportSignal<Zim16s>("zimsCompensateOffset_16s", 30000, [](auto x, auto y, int len, auto previous) {
-        return zimsCompensateOffset_16s(x, y, len, previous, 1, 0.999f);
-    });
-    reportSignal<Zim16s>("zimsCompensateOffset_16s rounded", 30000, [](auto x, auto y, int len, auto previous) {
-        return zimsCompensateOffset_16s(x, y, len, previous, 1, 1.01f);
-    });
-    reportSignal<Zim32f>("zimsSignChangeRate_32f", 1,
-                         [](auto x, auto y, int len, auto) { return zimsSignChangeRate_32f(x, len, y); });
-    reportSignal<Zim32f>("zimsSignChangeRate_Count0_32f", 1,
-                         [](auto x, auto y, int len, auto) { return zimsSignChangeRate_Count0_32f(x, len, y); });
-    reportSignal<Zim32f>("zimsNormEnergy_32f", 20, [](auto x, auto y, int len, auto) {
-        zimsCopy_32f(x, y, len);
-        return zimsNormEnergy_32f(y, 1 + len % 3, (len + 2) / 3, 50, 0.1f);
-    });
-    for (float scale : {0.7f, 1.7f})
-        reportSignal<Zim16s>("zimsNormEnergy_16s", 3000, [scale](auto x, auto y, int len, auto) {
-            zimsCopy_16s(x, y, len);
-            return zimsNormEnergy_16s(y, 1 + len % 3, (len + 2) / 3, 50, 1000, scale);
-        });
-    report("column normalisation", [](Digest& digest) {
-        Numbers numbers(22);
-        for (int width = 1; width <= 45; ++width) {
-            const int step = width + width % 3, height = 30;
-            auto x = numbers.between<Zim32f>(step * height, -3000, 4000);
-            const auto samples = numbers.between<Zim16s>(step * height, -3000, 4000);
-            Floats sum(static_cast<std::size_t>(width), 3), sumSq(sum);
-            std::vector<Zim32s> rounded(sum.size(), 3), roundedSq(rounded);
-            digest.add(zimsSumMeanVar_32f_I(x.data(), step, height, sum.data(), sumSq.data(), width));
-            digest.add(
-                zimsSumMeanVar_16s32s_ISfs(samples.data(), step, height, rounded.data(), roundedSq.data(), width, 3));
-            digest.add(zimsNormalizeColumn_32f_D2(x.data(), step, height, sum.data(), sumSq.data(), width));
-            digest.add(sum);
-            digest.add(sumSq);
-            digest.add(rounded);
-            digest.add(roundedSq);
-            digest.add(x);
-        }
-    });
     report("zimsEvalFBank_32s_Sfs", [](Digest& digest) {
         Numbers numbers(21);
         std::vector<char> block(1 << 20);
@@ -601,136 +415,70 @@ void conditioning()
         digest.add(zimsEvalFBank_32s_Sfs(x.data(), energies.data(), bank, 5));
         digest.add(energies);
     });
+    VECTORS(zimsMelToLinear_32f, "n", Range{0, 4000, {1127, 700}});
+    VECTORS(zimsLinearToMel_32f, "n", Range{0, 4000, {1127, 700}});
+    // As many frames as the longest window wants.
+    report("delta features", [](Digest& digest) {
+        Numbers numbers(11);
+        const Range range{-5, 5, {0.5, 0.3}};
+        for (int width = 1; width <= 40; ++width) {
+            const Shape shape{width, 14, 0};
+            const Drawing drawing{numbers, shape, shape.capacity(), "wth3", range};
+            addCall(digest, zimsDeltaDelta_Win1_32f_D2, drawing);
+            addCall(digest, zimsDeltaDelta_Win2_32f_D2, drawing);
+        }
+        const Shape aurora{13, 20, 0};
+        addCall(digest, zimsDeltaDelta_Aurora_32f_D2, Drawing{numbers, aurora, aurora.capacity(), "th3", range});
+    });
 }
 
-template <class T>
-void reportUpdates(const char* name, ZimStatus (*updateMean)(const T*, T*, int, T),
-                   ZimStatus (*updateVar)(const T*, const T*, const T*, T*, int, T, T),
-                   ZimStatus (*updateWeight)(const T*, T*, int, T*, T, T), Unary<T> updateGConst,
-                   ZimStatus (*weightedSum)(const T*, const T*, T*, int, T, T))
+void conditioning()
 {
-    report(name, [&](Digest& digest) {
-        Numbers numbers(12);
-        overLengths([&](int len, int offset) {
-            const auto acc = numbers.between<T>(len + offset, -5, 5), floor = numbers.between<T>(len, -1, 1);
-            auto mean = numbers.between<T>(len, -1, 1), var = numbers.between<T>(len + offset, 0.1, 9);
-            std::vector<T> single(1);
-            digest.add(updateGConst(var.data() + offset, len, single.data()));
-            digest.add(single);
-            digest.add(updateMean(acc.data() + offset, mean.data(), len, T(37.3)));
-            digest.add(mean);
-            digest.add(updateVar(mean.data(), acc.data() + offset, floor.data(), var.data(), len, T(3.7), T(2.9)));
-            digest.add(var);
-            digest.add(updateWeight(acc.data() + offset, mean.data(), len, single.data(), T(811), T(0.001)));
-            digest.add(mean);
-            digest.add(single);
-            digest.add(weightedSum(var.data() + offset, acc.data(), mean.data(), len, T(3.7), T(-1.1)));
-            digest.add(mean);
-        });
-    });
+    VECTORS(zimsCompensateOffset_32f, "n", Range{-30000, 30000, {1, 0.999}});
+    VECTORS(zimsCompensateOffset_16s, "n", Range{-30000, 30000, {1, 0.999}});
+    reportVectors("zimsCompensateOffset_16s rounded", "n", Range{-30000, 30000, {1, 1.01}}, zimsCompensateOffset_16s);
+    VECTORS(zimsSignChangeRate_32f, "n", Range{-1, 1});
+    VECTORS(zimsSignChangeRate_Count0_32f, "n", Range{-1, 1});
+    MATRICES(zimsNormEnergy_32f, "sh", Range{-20, 20, {50, 0.1}});
+    MATRICES(zimsNormEnergy_16s, "sh", Range{-3000, 3000, {50, 1000, 0.7}});
+    reportMatrices("zimsNormEnergy_16s louder", "sh", Range{-3000, 3000, {50, 1000, 1.7}}, zimsNormEnergy_16s);
+    MATRICES(zimsSumMeanVar_32f_I, "shw", Range{1, 4000});
+    MATRICES(zimsSumMeanVar_16s32s_ISfs, "shwf", Range{-3000, 4000});
+    MATRICES(zimsNormalizeColumn_32f_D2, "shw", Range{-3000, 4000});
 }
 
 void updates()
 {
-    reportUpdates<Zim32f>("model updates_32f", zimsUpdateMean_32f, zimsUpdateVar_32f, zimsUpdateWeight_32f,
-                          zimsUpdateGConst_32f, zimsWeightedSum_32f);
-    reportUpdates<Zim64f>("model updates_64f", zimsUpdateMean_64f, zimsUpdateVar_64f, zimsUpdateWeight_64f,
-                          zimsUpdateGConst_DirectVar_64f, zimsWeightedSumHalf_64f);
-    report("zimsNewVar", [](Digest& digest) {
-        Numbers numbers(13);
-        overLengths([&](int len, int offset) {
-            const auto mean = numbers.between<Zim32f>(len + offset, -9, 9),
-                       varAcc = numbers.between<Zim32f>(len, 0, 999);
-            Floats var(varAcc.size());
-            digest.add(zimsNewVar_32f(mean.data() + offset, varAcc.data(), var.data(), len, 12.7f, 0.07f));
-            digest.add(var);
-            const auto means = numbers.between<Zim32s>(len + offset, -999, 999);
-            auto sums = numbers.between<Zim32s>(len, 0, 2147483647);
-            digest.add(zimsNewVar_32s_ISfs(means.data() + offset, sums.data(), len, 12.7f, 0.07f, 3));
-            digest.add(sums);
-        });
-    });
-    report("zimsWeightedSum_16s", [](Digest& digest) {
-        Numbers numbers(14);
-        overLengths([&](int len, int offset) {
-            const auto a = numbers.between<Zim16s>(len + offset, -32768, 32767),
-                       b = numbers.between<Zim16s>(len, -32768, 32767);
-            std::vector<Zim16s> sum(b.size());
-            digest.add(zimsWeightedSum_16s(a.data() + offset, b.data(), sum.data(), len, 3.7f, -1.1f));
-            digest.add(sum);
-        });
-    });
-}
-
-// run(x, height, width, step) over matrices of many shapes, gaps between the rows included.
-template <class T, class Run>
-void reportMatrices(const char* name, Run run)
-{
-    report(name, [&](Digest& digest) {
-        Numbers numbers(22);
-        for (int width = 1; width <= 45; ++width)
-            for (int height : {2, 3, 4, 7, 70}) {
-                const int step = width + width % 3;
-                const auto x = numbers.between<T>(step * height, -3000, 4000);
-                run(digest, numbers, x.data(), height, width, step);
-            }
-    });
-}
-
-template <class T, class Call>
-void reportWeighted(const char* name, Call call)
-{
-    reportMatrices<T>(name, [&](Digest& digest, Numbers& numbers, auto x, int height, int width, int step) {
-        const auto weights = numbers.between<T>(height, 0, 1);
-        std::vector<T> mean(static_cast<std::size_t>(width)), var(mean);
-        digest.add(call(x, step, weights.data(), height, mean.data(), var.data(), width));
-        digest.add(mean);
-        digest.add(var);
-    });
+    const Range positive{0.1, 9};
+    VECTORS(zimsUpdateMean_32f, "n", Range{-5, 5, {37.3}});
+    VECTORS(zimsUpdateMean_64f, "n", Range{-5, 5, {37.3}});
+    VECTORS(zimsUpdateVar_32f, "n", Range{-5, 5, {3.7, 2.9}});
+    VECTORS(zimsUpdateVar_64f, "n", Range{-5, 5, {3.7, 2.9}});
+    VECTORS(zimsUpdateWeight_32f, "n", Range{-5, 5, {811, 0.001}});
+    VECTORS(zimsUpdateWeight_64f, "n", Range{-5, 5, {811, 0.001}});
+    VECTORS(zimsUpdateGConst_32f, "n", positive);
+    VECTORS(zimsUpdateGConst_DirectVar_64f, "n", positive);
+    VECTORS(zimsWeightedSum_32f, "n", Range{-5, 5, {3.7, -1.1}});
+    VECTORS(zimsWeightedSumHalf_64f, "n", Range{-5, 5, {3.7, -1.1}});
+    VECTORS(zimsWeightedSum_16s, "n", Range{-32768, 32767, {3.7, -1.1}});
+    VECTORS(zimsNewVar_32f, "n", Range{-9, 999, {12.7, 0.07}});
+    VECTORS(zimsNewVar_32s_ISfs, "n3", Range{-999, 99999, {12.7, 0.07}});
 }
 
 void statistics()
 {
-    reportMatrices<Zim32f>("column statistics", [](Digest& digest, Numbers&, auto x, int height, int width, int step) {
-        Floats mean(static_cast<std::size_t>(width)), var(mean);
-        digest.add(zimsMeanVarColumn_32f_D2(x, height, step, mean.data(), var.data(), width));
-        digest.add(mean);
-        digest.add(var);
-        digest.add(zimsVarColumn_32f_D2(x, height, step, x, var.data(), width));
-        digest.add(var);
-        Floats sums(static_cast<std::size_t>(height));
-        digest.add(zimsSumRow_32f_D2(x, width, step, sums.data(), height));
-        digest.add(sums);
-    });
-    reportMatrices<Zim64f>(
-        "sums in double precision", [](Digest& digest, Numbers&, auto x, int height, int width, int step) {
-            Doubles columns(static_cast<std::size_t>(width)), rows(static_cast<std::size_t>(height)), magnitudes(1);
-            digest.add(zimsSumColumn_64f_D2(x, step, height, columns.data(), width));
-            digest.add(zimsSumRow_64f_D2(x, width, step, rows.data(), height));
-            digest.add(zimsSumRowAbs_64f(x, width, magnitudes.data()));
-            digest.add(columns);
-            digest.add(rows);
-            digest.add(magnitudes);
-        });
-    reportMatrices<Zim16s>(
-        "statistics of samples", [](Digest& digest, Numbers&, auto x, int height, int width, int step) {
-            std::vector<Zim16s> mean(static_cast<std::size_t>(width)), var(mean);
-            std::vector<Zim32s> wideMean(mean.size()), wideVar(mean.size());
-            digest.add(zimsMeanVarColumn_16s_D2Sfs(x, height, step, mean.data(), var.data(), width, 9));
-            digest.add(zimsMeanVarColumn_16s32s_D2Sfs(x, height, step, wideMean.data(), wideVar.data(), width, 0));
-            digest.add(mean);
-            digest.add(var);
-            digest.add(wideMean);
-            digest.add(wideVar);
-        });
-    reportWeighted<Zim32f>("zimsWeightedMeanVarColumn_32f_D2", zimsWeightedMeanVarColumn_32f_D2);
-    reportWeighted<Zim64f>("zimsWeightedMeanVarColumn_64f_D2", zimsWeightedMeanVarColumn_64f_D2);
-    reportMatrices<Zim32f>(
-        "zimsAccCovarianceMatrix_32f64f_D2", [](Digest& digest, Numbers&, auto x, int height, int width, int step) {
-            Doubles scatter(static_cast<std::size_t>(width * width));
-            digest.add(zimsAccCovarianceMatrix_32f64f_D2(x, step, height, x, scatter.data(), width, width, 0.3));
-            digest.add(scatter);
-        });
+    const Range values{-3000, 4000}, weights{0.01, 4};
+    MATRICES(zimsMeanVarColumn_32f_D2, "hsw", values);
+    MATRICES(zimsVarColumn_32f_D2, "hsw", values);
+    MATRICES(zimsMeanVarColumn_16s_D2Sfs, "hsw9", values);
+    MATRICES(zimsMeanVarColumn_16s32s_D2Sfs, "hsw0", values);
+    MATRICES(zimsSumRow_32f_D2, "wsh", values);
+    MATRICES(zimsSumRow_64f_D2, "wsh", values);
+    MATRICES(zimsSumColumn_64f_D2, "shw", values);
+    MATRICES(zimsSumRowAbs_64f, "w", values);
+    MATRICES(zimsWeightedMeanVarColumn_32f_D2, "shw", weights);
+    MATRICES(zimsWeightedMeanVarColumn_64f_D2, "shw", weights);
+    MATRICES(zimsAccCovarianceMatrix_32f64f_D2, "shww", Range{-3000, 4000, {0.3}});
 }
 
 }  // namespace
@@ -741,10 +489,9 @@ int main()
     transforms();
     scores();
     fixedScores();
-    distances();
     logDomain();
     blockScores();
-    selections();
+    signTables();
     frontEnd();
     conditioning();
     updates();
