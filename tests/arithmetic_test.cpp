@@ -17,6 +17,7 @@
 #include "support/random.h"
 #include "support/rounding.h"
 #include "support/shapes.h"
+#include "support/specials.h"
 
 namespace zimsr::test {
 namespace {
@@ -25,10 +26,8 @@ namespace {
 template <class Float>
 std::vector<Float> mixedValues(unsigned seed)
 {
-    using Limits = std::numeric_limits<Float>;
     Random random(seed);
-    std::vector<Float> values = {Float(-0.0),   Limits::infinity(),   -Limits::infinity(), Limits::quiet_NaN(),
-                                 Limits::max(), Limits::denorm_min(), Limits::min(),       Float(0)};
+    std::vector<Float> values = specialValues<Float>();
     for (int i = 0; i < 300; ++i)
         values.push_back(std::ldexp(random.between<Float>(-1, 1), random.between(-40, 40)));
     std::rotate(values.begin(), values.begin() + seed % 7, values.end());
@@ -93,16 +92,15 @@ void expectConstant(ConstantForms<Float> forms, const std::vector<Float>& values
 template <class Float>
 void expectConstants(ConstantForms<Float> product, ConstantForms<Float> quotient, const std::vector<Float>& values)
 {
-    const Float infinity = std::numeric_limits<Float>::infinity();
-    for (Float val : {Float(3.7), infinity, std::numeric_limits<Float>::quiet_NaN()})
+    for (Float val : {Float(3.7), infinity<Float>, nan<Float>})
         expectConstant(product, values, val, [=](Float v) { return v * val; });
     for (Float val : {Float(0), Float(-0.0)})
         expectConstant(product, values, val, [](Float) { return Float(0); });
     expectConstant(product, values, Float(1), [](Float v) { return v; });
     // The reciprocal is rounded before it is multiplied by; that of an infinity is 0, and fills.
-    for (Float val : {Float(3), Float(-0.7), std::numeric_limits<Float>::denorm_min()})
+    for (Float val : {Float(3), Float(-0.7), smallest<Float>})
         expectConstant(quotient, values, val, [=](Float v) { return v * (1 / val); });
-    expectConstant(quotient, values, -infinity, [](Float) { return Float(0); });
+    expectConstant(quotient, values, -infinity<Float>, [](Float) { return Float(0); });
 }
 
 TEST(Constants, ProductsAndQuotients)
@@ -116,7 +114,7 @@ TEST(Constants, LongRows)
 {
     for (int len : {131072, 131080, 131081, 262145, 300007})
         for (std::size_t offset : {0, 4, 20}) {
-            const std::vector<Zim32f> values = Random(5).vector<Zim32f>(static_cast<std::size_t>(len), -9, 9);
+            const std::vector<Zim32f> values = Random(5).vector<Zim32f>(len, -9, 9);
             std::vector<Zim32f> wanted = values;
             for (Zim32f& v : wanted)
                 v *= 0.3f;
@@ -156,12 +154,11 @@ TEST(Constants, CopiesKeepEveryBit)
 template <class Float>
 Float quotientOf(Float divisor, Float dividend)
 {
-    using Limits = std::numeric_limits<Float>;
     if (divisor != 0)
         return dividend / divisor;
     if (dividend > 0)
-        return Limits::infinity();
-    return dividend < 0 ? -Limits::infinity() : Limits::quiet_NaN();
+        return infinity<Float>;
+    return dividend < 0 ? -infinity<Float> : nan<Float>;
 }
 
 TEST(Quotients, ExactAtEveryShape)
@@ -175,26 +172,17 @@ TEST(Quotients, ExactAtEveryShape)
 }
 
 template <class Float>
-void expectZeroDivisors(ZimStatus (*divide)(const Float*, const Float*, Float*, int), Float nan)
+void expectZeroDivisors(ZimStatus (*divide)(const Float*, const Float*, Float*, int), Float notANumber)
 {
-    using Limits = std::numeric_limits<Float>;
-    const std::vector<Float> dividends = {0,
-                                          Float(-0.0),
-                                          3,
-                                          -3,
-                                          Limits::infinity(),
-                                          -Limits::infinity(),
-                                          Limits::quiet_NaN(),
-                                          -Limits::quiet_NaN(),
-                                          Limits::denorm_min(),
-                                          -Limits::max()};
+    auto dividends = specialValues<Float>();
+    dividends.insert(dividends.end(), {3, -3});
     for (Float zero : {Float(0), Float(-0.0)})
         for (int len : {1, 2, 7, 8, 9, 15, 17})
             for (int at = 0; at < len; ++at)
                 for (Float dividend : dividends) {
-                    std::vector<Float> divisors(static_cast<std::size_t>(len), 2), values(divisors.size(), 5);
-                    divisors[static_cast<std::size_t>(at)] = zero;
-                    values[static_cast<std::size_t>(at)] = dividend;
+                    std::vector<Float> divisors(len, 2), values(divisors.size(), 5);
+                    divisors[at] = zero;
+                    values[at] = dividend;
                     const Guarded<Float> dst(divisors.size());
                     EXPECT_EQ(divide(Guarded<Float>(divisors), Guarded<Float>(values), dst, len), zimStsDivByZeroWarn);
                     const Float substitute = quotientOf(zero, dividend);
@@ -202,7 +190,8 @@ void expectZeroDivisors(ZimStatus (*divide)(const Float*, const Float*, Float*, 
                         if (i != at)
                             EXPECT_EQ(dst[i], 2.5);
                         else
-                            EXPECT_EQ(bitsOf(dst[i]), bitsOf(std::isnan(substitute) ? nan : substitute)) << dividend;
+                            EXPECT_EQ(bitsOf(dst[i]), bitsOf(std::isnan(substitute) ? notANumber : substitute))
+                                << dividend;
                 }
 }
 
@@ -287,7 +276,7 @@ TEST(Integers, ZeroMean)
     for (auto [low, high] :
          {std::pair(-32768, 32767), std::pair(-32768, -32760), std::pair(32000, 32767), std::pair(-3, 2)})
         forEachShape([&, low = low, high = high](Shape shape) {
-            auto values = random.vector(static_cast<std::size_t>(shape.len), Zim16s(low), Zim16s(high));
+            auto values = random.vector(shape.len, Zim16s(low), Zim16s(high));
             values.back() = Zim16s(-32768);
             const Guarded<Zim16s> srcDst(values, shape.place<Zim16s>());
             EXPECT_EQ(zimsZeroMean_16s(srcDst, shape.len), zimStsOk);
@@ -355,7 +344,7 @@ TEST(Roots, NegativeElementsBecomeNaNAndWarn)
     for (int len = 1; len <= 12; ++len)
         for (int at = 0; at < len; ++at)
             for (Zim64f negative : {-4.0, zimConstantOfINF_NEG_64f, -5e-324}) {
-                Guarded<Zim64f> srcDst(std::vector<Zim64f>(static_cast<std::size_t>(len), 9));
+                Guarded<Zim64f> srcDst(std::vector<Zim64f>(len, 9));
                 srcDst[at] = negative;
                 EXPECT_EQ(zimsSqrt_64f_I(srcDst, len), zimStsSqrtOfNegative);
                 for (int i = 0; i < len; ++i)
@@ -374,7 +363,7 @@ TEST(Columns, ProductWithAConstant)
                 const RowMatrix<Zim64f> matrix(values, 7, 5);
                 auto wanted = values;
                 for (int r = firstRow; r < 7; ++r)
-                    wanted[static_cast<std::size_t>(5 * r + col)] *= 1.7;
+                    wanted[5 * r + col] *= 1.7;
                 EXPECT_EQ(multiply(matrix.writable(), 5, 7, col, firstRow, 1.7), zimStsOk);
                 EXPECT_TRUE(equalBits(matrix.values(), wanted));
             }
@@ -392,28 +381,10 @@ TEST(Columns, ProductWithAConstant)
 
 TEST(Arithmetic, Checks)
 {
-    expectPointersThenLength(zimsAbs_64f);
-    expectPointersThenLength(zimsAdd_32f_I);
-    expectPointersThenLength(zimsAdd_64f_I);
-    expectPointersThenLength(zimsSub_32f_I);
-    expectPointersThenLength(zimsSub_64f_I);
-    expectPointersThenLength(zimsAddC_32f);
-    expectPointersThenLength(zimsMul_32f);
-    expectPointersThenLength(zimsMulC_32f);
-    expectPointersThenLength(zimsMulC_64f);
-    expectPointersThenLength(zimsMulC_32f_I);
-    expectPointersThenLength(zimsMulC_64f_I);
-    expectPointersThenLength(zimsDiv_32f);
-    expectPointersThenLength(zimsDiv_64f);
-    expectPointersThenLength(zimsDiv_32f_I);
-    expectPointersThenLength(zimsDivC_32f);
-    expectPointersThenLength(zimsDivC_64f);
-    expectPointersThenLength(zimsDivC_32f_I);
-    expectPointersThenLength(zimsDivC_64f_I);
-    expectPointersThenLength(zimsMul_16s_Sfs);
-    expectPointersThenLength(zimsMagnitude_32fc);
-    expectPointersThenLength(zimsMagnitude_32sc_Sfs);
-    expectPointersThenLength(zimsSqrt_64f_I);
+    expectPointersThenLength(zimsAbs_64f, zimsAdd_32f_I, zimsAdd_64f_I, zimsSub_32f_I, zimsSub_64f_I, zimsAddC_32f,
+                             zimsMul_32f, zimsMulC_32f, zimsMulC_64f, zimsMulC_32f_I, zimsMulC_64f_I, zimsDiv_32f,
+                             zimsDiv_64f, zimsDiv_32f_I, zimsDivC_32f, zimsDivC_64f, zimsDivC_32f_I, zimsDivC_64f_I,
+                             zimsMul_16s_Sfs, zimsMagnitude_32fc, zimsMagnitude_32sc_Sfs, zimsSqrt_64f_I);
     Zim16s x[1] = {5};
     expectStatuses({{"size before null", zimsZeroMean_16s(nullptr, 0), zimStsBadSize},
                     {"size", zimsZeroMean_16s(x, -1), zimStsBadSize},

@@ -19,7 +19,7 @@ using Floats = std::vector<float>;
 
 Floats autoCorr(const Floats& src, int dstLen, Placement placement = {})
 {
-    const Guarded<float> input(src, placement), output(static_cast<std::size_t>(dstLen), placement);
+    const Guarded<float> input(src, placement), output(dstLen, placement);
     EXPECT_EQ(zimsAutoCorr_32f(input, static_cast<int>(src.size()), output, dstLen), zimStsOk);
     return output.values();
 }

@@ -11,6 +11,7 @@
 #include <zimsr.h>
 
 #include "support/compare.h"
+#include "support/door_checks.h"
 #include "support/guarded.h"
 #include "support/matrix.h"
 #include "support/random.h"
@@ -50,10 +51,9 @@ void expectFloatSums(SumDoor<T> fresh, SumDoor<T> onto)
     for (int width = 1; width <= 70; ++width)
         for (int height : {1, 2, 3, 9, 40}) {
             const auto columns = static_cast<std::size_t>(width);
-            const auto values = random.vector<T>(columns * static_cast<std::size_t>(height), -30000, 30000);
+            const auto values = random.vector<T>(columns * height, -30000, 30000);
             const auto start = random.vector<float>(columns, -1e6f, 1e6f);
-            const Placement place =
-                height % 2 ? Placement{} : atOffset(static_cast<std::size_t>(width % 8) * sizeof(T));
+            const Placement place = height % 2 ? Placement{} : atOffset(width % 8 * sizeof(T));
             const StridedMatrix<T> src(values, height, width, width + width % 3, place);
             for (bool accumulates : {false, true}) {
                 const Guarded<float> sum(start), sumSq(start);
@@ -113,7 +113,7 @@ TEST(NormalizeColumn, SinglePrecision)
     for (int width = 1; width <= 40; ++width)
         for (int height : {1, 2, 5}) {
             const auto columns = static_cast<std::size_t>(width);
-            const auto values = random.vector<float>(columns * static_cast<std::size_t>(height), -100, 100);
+            const auto values = random.vector<float>(columns * height, -100, 100);
             const Guarded<float> mean(random.vector<float>(columns, -10, 10)), val(random.vector<float>(columns, 0, 3));
             std::vector<float> expected;
             for (std::size_t i = 0; i < values.size(); ++i)
@@ -220,58 +220,14 @@ TEST(NormalizeColumn, ColumnsBehindTheLastGroupAreRounded)
 
 TEST(ColumnNormalisation, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
 {
-    float x[8] = {1, 1, 1, 1, 1, 1, 1, 1};
-    Zim16s s[8] = {1, 1, 1, 1, 1, 1, 1, 1};
-    Zim32s n[8] = {1, 1, 1, 1, 1, 1, 1, 1};
-    float* const rows[] = {x, x};
-    Zim16s* const sampleRows[] = {s, s};
-    const auto sums = [](auto door, const auto* src, auto* sum, auto... factor) {
-        using Sum = decltype(sum);
-        expectStatuses({
-            {"the stride before a null", door(nullptr, 3, 2, sum, sum, 4, factor...), zimStsBadStride},
-            {"src", door(nullptr, 4, 0, sum, sum, 0, factor...), zimStsNullPointer},
-            {"sum", door(src, 4, 0, Sum{}, sum, 0, factor...), zimStsNullPointer},
-            {"sumSq", door(src, 4, 0, sum, Sum{}, 0, factor...), zimStsNullPointer},
-            {"height", door(src, 4, 0, sum, sum, 4, factor...), zimStsBadSize},
-            {"width", door(src, 4, 2, sum, sum, 0, factor...), zimStsBadSize},
-        });
-    };
-    sums(zimsSumMeanVar_32f, x, x);
-    sums(zimsSumMeanVar_32f_I, x, x);
-    sums(zimsSumMeanVar_16s32f, s, x);
-    sums(zimsSumMeanVar_16s32f_I, s, x);
-    sums(zimsSumMeanVar_16s32s_Sfs, s, n, 1);
-    sums(zimsSumMeanVar_16s32s_ISfs, s, n, 1);
-    const auto blocks = [](auto door, auto* v, auto... factor) {
-        using Null = decltype(v);
-        expectStatuses({
-            {"srcDst", door(Null{}, 3, 0, v, v, 4, factor...), zimStsNullPointer},
-            {"mean", door(v, 3, 0, Null{}, v, 4, factor...), zimStsNullPointer},
-            {"val", door(v, 3, 0, v, Null{}, 4, factor...), zimStsNullPointer},
-            {"height before stride", door(v, 3, 0, v, v, 4, factor...), zimStsBadSize},
-            {"width", door(v, 3, 2, v, v, 0, factor...), zimStsBadSize},
-            {"stride", door(v, 3, 2, v, v, 4, factor...), zimStsBadStride},
-        });
-    };
-    blocks(zimsNormalizeColumn_32f_D2, x);
-    blocks(zimsNormalizeColumn_16s_D2Sfs, s, 1);
-    blocks([](auto* v, int step, int height, auto* mean, auto* val,
-              int width) { return zimsNormalizeCol_32f_D2(mean, val, width, v, step, height); },
-           x);
-    const auto tables = [](auto door, auto* table, auto* v, auto... factor) {
-        using Null = decltype(v);
-        expectStatuses({
-            {"rows", door(decltype(table){}, 0, v, v, 4, factor...), zimStsNullPointer},
-            {"mean", door(table, 0, Null{}, v, 4, factor...), zimStsNullPointer},
-            {"val", door(table, 0, v, Null{}, 4, factor...), zimStsNullPointer},
-            {"height", door(table, 0, v, v, 4, factor...), zimStsBadSize},
-            {"width", door(table, 2, v, v, 0, factor...), zimStsBadSize},
-        });
-    };
-    tables(zimsNormalizeColumn_32f_D2L, rows, x);
-    tables(zimsNormalizeColumn_16s_D2LSfs, sampleRows, s, 1);
-    for (int i = 0; i < 8; ++i)
-        EXPECT_TRUE(x[i] == 1 && s[i] == 1 && n[i] == 1);
+    using enum Size;
+    expectMatrixChecks({step, height, width}, {zimStsBadStride, zimStsNullPointer, zimStsBadSize}, zimsSumMeanVar_32f,
+                       zimsSumMeanVar_32f_I, zimsSumMeanVar_16s32f, zimsSumMeanVar_16s32f_I, zimsSumMeanVar_16s32s_Sfs,
+                       zimsSumMeanVar_16s32s_ISfs);
+    const std::vector<ZimStatus> strideLast{zimStsNullPointer, zimStsBadSize, zimStsBadStride};
+    expectMatrixChecks({step, height, width}, strideLast, zimsNormalizeColumn_32f_D2, zimsNormalizeColumn_16s_D2Sfs);
+    expectMatrixChecks({width, step, height}, strideLast, zimsNormalizeCol_32f_D2);
+    expectMatrixChecks({height, width}, strideLast, zimsNormalizeColumn_32f_D2L, zimsNormalizeColumn_16s_D2LSfs);
 }
 
 }  // namespace

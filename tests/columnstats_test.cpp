@@ -32,12 +32,12 @@ struct Problem {
     Problem(Random& random, int rows, int columns, T low, T high)
         : height(rows),
           width(columns),
-          values(random.vector<T>(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns), low, high)),
-          mean(random.vector<T>(static_cast<std::size_t>(columns), low, high))
+          values(random.vector<T>(rows * columns, low, high)),
+          mean(random.vector<T>(columns, low, high))
     {
     }
 
-    T at(int r, std::size_t c) const { return values[static_cast<std::size_t>(r) * mean.size() + c]; }
+    T at(int r, std::size_t c) const { return values[r * mean.size() + c]; }
 };
 
 // The mean and the variance of a column, in what their type computes.
@@ -294,13 +294,12 @@ TEST(ColumnStats, SampleFormsRoundOrTruncate)
     for (int width = 1; width <= 40; ++width)
         for (int height = 1; height <= 9; ++height)
             for (int offset : {0, 2})
-                expectSampleForms({random, height, width, -300, 300}, (width + height) % 7 - 2,
-                                  atOffset(static_cast<std::size_t>(offset)));
+                expectSampleForms({random, height, width, -300, 300}, (width + height) % 7 - 2, atOffset(offset));
     for (int factor : {INT_MIN, -1100, -60, -33, -15, -1, 0, 1, 8, 15, 16, 17, 30, 33, 64, 1100, INT_MAX})
         for (int offset : {0, 2})
             for (int bound : {1, 100, 32767})
                 expectSampleForms({random, 37, 13, static_cast<Zim16s>(-bound), static_cast<Zim16s>(bound)}, factor,
-                                  atOffset(static_cast<std::size_t>(offset)));
+                                  atOffset(offset));
     for (int width : {1, 7, 9, 17})
         expectSampleForms({random, 6, width, -32768, 32767}, 16);  // each array ends at a protected page
 }
@@ -312,7 +311,7 @@ TEST(ColumnStats, LongColumnsOfExtremeSamples)
     for (Zim16s value : {-32768, 32767})
         for (int height : {65536, 65537, 140001})
             for (int offset : {0, 2})
-                expectSampleForms({random, height, 3, value, value}, 12, atOffset(static_cast<std::size_t>(offset)));
+                expectSampleForms({random, height, 3, value, value}, 12, atOffset(offset));
     expectSampleForms({random, 70001, 9, -32768, 32767}, 12, atOffset(0));
 }
 
@@ -357,28 +356,19 @@ TEST(ColumnStats, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
     const std::vector<ZimStatus> strideFirst{zimStsBadStride, zimStsNullPointer, zimStsBadSize},
         strideLast{zimStsNullPointer, zimStsBadSize, zimStsBadStride};
     const std::vector<Size> block{height, step, width}, rows{height, width};
-    expectMatrixChecks(zimsMeanColumn_32f_D2, block, strideFirst);
-    expectMatrixChecks(zimsMeanColumn_32f_D2L, rows, strideLast);
-    expectMatrixChecks(zimsMeanColumn_16s_D2, block, strideFirst);
-    expectMatrixChecks(zimsMeanColumn_16s_D2L, rows, strideLast);
-    expectMatrixChecks(zimsVarColumn_32f_D2, block, strideFirst);
-    expectMatrixChecks(zimsVarColumn_32f_D2L, rows, strideLast);
-    expectMatrixChecks(zimsVarColumn_16s_D2Sfs, block, strideFirst);
-    expectMatrixChecks(zimsVarColumn_16s_D2LSfs, rows, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_32f_D2, block, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_32f_D2L, rows, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_16s_D2Sfs, block, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_16s_D2LSfs, rows, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_16s32s_D2Sfs, block, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_16s32s_D2LSfs, rows, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_16s16s32s_D2, block, strideLast);
-    expectMatrixChecks(zimsMeanVarColumn_16s16s32s_D2L, rows, strideLast);
+    expectMatrixChecks(block, strideFirst, zimsMeanColumn_32f_D2, zimsMeanColumn_16s_D2, zimsVarColumn_32f_D2,
+                       zimsVarColumn_16s_D2Sfs);
+    expectMatrixChecks(rows, strideLast, zimsMeanColumn_32f_D2L, zimsMeanColumn_16s_D2L, zimsVarColumn_32f_D2L,
+                       zimsVarColumn_16s_D2LSfs, zimsMeanVarColumn_32f_D2L, zimsMeanVarColumn_16s_D2LSfs,
+                       zimsMeanVarColumn_16s32s_D2LSfs, zimsMeanVarColumn_16s16s32s_D2L);
+    expectMatrixChecks(block, strideLast, zimsMeanVarColumn_32f_D2, zimsMeanVarColumn_16s_D2Sfs,
+                       zimsMeanVarColumn_16s32s_D2Sfs, zimsMeanVarColumn_16s16s32s_D2);
 }
 
 template <class T, class Mean, class Var>
 ZimStatus refusedOneRow(const Form<T, Mean, Var>& form, const Arrays<T>& a)
 {
-    std::vector<Mean> m(static_cast<std::size_t>(a.width), 7);
+    std::vector<Mean> m(a.width, 7);
     std::vector<Var> v(m.size(), 7);
     const ZimStatus status = form.run(a, m.data(), v.data(), 0);
     EXPECT_EQ(m, std::vector<Mean>(m.size(), 7));

@@ -15,12 +15,10 @@
 #include "support/random.h"
 #include "support/rounding.h"
 #include "support/shapes.h"
+#include "support/specials.h"
 
 namespace zimsr::test {
 namespace {
-
-constexpr float inf = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 const int factors[] = {0,    1,     -1,    3,     -4,   14,    -14,   15,      -15,    16,   -16, 30,
                        31,   32,    -31,   -95,   -96,  -97,   -111,  -112,    -113,   126,  127, -126,
@@ -47,24 +45,15 @@ Int quantised(long double v, bool truncates)
 template <class Float>
 std::vector<Float> criticalValues()
 {
-    std::vector<Float> values = {0,
-                                 Float(-0.0),
-                                 inf,
-                                 -inf,
-                                 nan,
-                                 -nan,
-                                 std::numeric_limits<Float>::denorm_min(),
-                                 -std::numeric_limits<Float>::denorm_min(),
-                                 std::numeric_limits<Float>::max(),
-                                 std::numeric_limits<Float>::lowest(),
-                                 Float(1e-30),
-                                 Float(-3e37)};
+    std::vector<Float> values = specialValues<Float>();
+    values.insert(values.end(), {Float(1e-30), Float(-3e37)});
     for (double centre :
          {0.0, 1.0, 2.0, 32767.0, 32768.0, 32769.0, 40000.0, 2147483647.0, 2147483648.0, 2147483649.0, 3e9})
         for (double step : {-1.0, -0.5, 0.0, 0.25, 0.5, 1.0})
             for (double sign : {1.0, -1.0}) {
                 const Float v = static_cast<Float>(sign * (centre + step));
-                values.insert(values.end(), {v, std::nextafter(v, inf), std::nextafter(v, -inf)});
+                values.insert(values.end(),
+                              {v, std::nextafter(v, infinity<float>), std::nextafter(v, -infinity<float>)});
             }
     Random random(11);
     for (int i = 0; i < 200; ++i)
@@ -211,17 +200,10 @@ TEST(Conversions, ElementsOfOneSizeConvertInPlace)
 
 TEST(Conversions, Checks)
 {
-    expectPointersThenLength(zimsConvert_8u32f);
-    expectPointersThenLength(zimsConvert_16s32f);
-    expectPointersThenLength(zimsConvert_32s32f);
-    expectPointersThenLength(zimsConvert_64f32f);
-    expectPointersThenLength(zimsConvert_16s32f_Sfs);
-    expectPointersThenLength(zimsConvert_16s64f_Sfs);
-    expectPointersThenLength(zimsConvert_32s32f_Sfs);
-    expectPointersThenLength(zimsConvert_32s16s_Sfs);
-    expectPointersThenLength(zimsConvert_32f16s_Sfs);
-    expectPointersThenLength(zimsConvert_32f32s_Sfs);
-    expectPointersThenLength(zimsConvert_64f32s_Sfs);
+    expectPointersThenLength(zimsConvert_8u32f, zimsConvert_16s32f, zimsConvert_32s32f, zimsConvert_64f32f,
+                             zimsConvert_16s32f_Sfs, zimsConvert_16s64f_Sfs, zimsConvert_32s32f_Sfs,
+                             zimsConvert_32s16s_Sfs, zimsConvert_32f16s_Sfs, zimsConvert_32f32s_Sfs,
+                             zimsConvert_64f32s_Sfs);
 }
 
 }  // namespace

@@ -25,12 +25,12 @@ struct Problem {
     Problem(Random& random, int rows, int columns, T low, T high)
         : height(rows),
           width(columns),
-          frames(random.vector<T>(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns), low, high)),
-          mean(random.vector<T>(static_cast<std::size_t>(columns), low, high)),
+          frames(random.vector<T>(rows * columns, low, high)),
+          mean(random.vector<T>(columns, low, high)),
           dst(random.vector<Zim64f>(mean.size() * mean.size(), -9, 9))
     {
     }
-    T at(int r, std::size_t c) const { return frames[static_cast<std::size_t>(r) * mean.size() + c]; }
+    T at(int r, std::size_t c) const { return frames[r * mean.size() + c]; }
 
     // The accumulator after element(i, j), from its old value, has taken the place of both halves.
     template <class Element>
@@ -207,10 +207,9 @@ TEST(CovarianceChecks, ComeInTheirOrderAndARefusedCallWritesNothing)
 {
     using enum Size;
     const std::vector<ZimStatus> order{zimStsNullPointer, zimStsBadSize, zimStsBadStride};
-    expectMatrixChecks(zimsAccCovarianceMatrix_32f64f_D2, {step, height, width, step}, order);
-    expectMatrixChecks(zimsAccCovarianceMatrix_16s64f_D2, {step, height, width, step}, order);
-    expectMatrixChecks(zimsAccCovarianceMatrix_32f64f_D2L, {height, width}, order);
-    expectMatrixChecks(zimsAccCovarianceMatrix_16s64f_D2L, {height, width}, order);
+    expectMatrixChecks({step, height, width, step}, order, zimsAccCovarianceMatrix_32f64f_D2,
+                       zimsAccCovarianceMatrix_16s64f_D2);
+    expectMatrixChecks({height, width}, order, zimsAccCovarianceMatrix_32f64f_D2L, zimsAccCovarianceMatrix_16s64f_D2L);
     const Zim32f x[2] = {};
     const Zim16s samples[2] = {};
     Zim64f dst[4] = {7, 7, 7, 7};

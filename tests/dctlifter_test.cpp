@@ -7,6 +7,7 @@
 #include <zimsr.h>
 
 #include "support/compare.h"
+#include "support/door_checks.h"
 #include "support/failing_allocator.h"
 #include "support/guarded.h"
 #include "support/random.h"
@@ -53,15 +54,15 @@ using Lifter_16s = Lifter<ZimsDCTLifterState_16s>;
 std::vector<float> transformed(const std::vector<float>& src, ZimsDCTLifterState_32f* state, int outputs,
                                Placement placement = {})
 {
-    const Guarded<float> input(src, placement), output(static_cast<std::size_t>(outputs), placement);
+    const Guarded<float> input(src, placement), output(outputs, placement);
     EXPECT_EQ(zimsDCTLifter_32f(input, output, state), zimStsOk);
     return output.values();
 }
 
 std::vector<float> impulse(int length, int place)
 {
-    std::vector<float> x(static_cast<std::size_t>(length), 0.0f);
-    x[static_cast<std::size_t>(place)] = 1;
+    std::vector<float> x(length, 0.0f);
+    x[place] = 1;
     return x;
 }
 
@@ -74,7 +75,7 @@ long double cosine(int i, int j, int lenDCT)
 TEST(CosineTransform, MatrixIsTheCosineSeriesWithC0Last)
 {
     for (const auto [lenDCT, lenCepstrum] : shapes) {
-        const std::vector<float> ones(static_cast<std::size_t>(lenCepstrum), 1.0f);
+        const std::vector<float> ones(lenCepstrum, 1.0f);
         const Lifter_32f lifter(zimsDCTLifterInitAlloc_MulC0_32f, lenDCT, ones.data(), lenCepstrum);
         for (int j = 0; j < lenDCT; ++j) {
             const auto row = transformed(impulse(lenDCT, j), lifter, lenCepstrum + 1);
@@ -90,17 +91,17 @@ TEST(CosineTransform, SumsAreAccurateAndDoNotDependOnPlaceOrAlignment)
 {
     Random random(1);
     for (const auto [lenDCT, lenCepstrum] : shapes) {
-        const auto src = random.vector<float>(static_cast<std::size_t>(lenDCT), -20, 5);
-        const auto table = random.vector<float>(static_cast<std::size_t>(lenCepstrum), 0.5f, 12);
+        const auto src = random.vector<float>(lenDCT, -20, 5);
+        const auto table = random.vector<float>(lenCepstrum, 0.5f, 12);
         const Lifter_32f whole(zimsDCTLifterInitAlloc_MulC0_32f, lenDCT, table.data(), lenCepstrum);
         const auto cepstra = transformed(src, whole, lenCepstrum + 1);
         for (int i = 0; i <= lenCepstrum; ++i) {
-            const std::size_t place = static_cast<std::size_t>(i == 0 ? lenCepstrum : i - 1);
+            const std::size_t place = i == 0 ? lenCepstrum : i - 1;
             const float factor = table[std::min(place, table.size() - 1)];
             long double exact = 0, size = 0;
             for (int j = 0; j < lenDCT; ++j) {
-                exact += src[static_cast<std::size_t>(j)] * cosine(i, j, lenDCT) * factor;
-                size += std::fabs(src[static_cast<std::size_t>(j)] * factor);
+                exact += src[j] * cosine(i, j, lenDCT) * factor;
+                size += std::fabs(src[j] * factor);
             }
             EXPECT_LE(std::fabs(cepstra[place] - exact), size * (lenDCT / 8 + 6) * 0x1p-24L) << lenDCT << ' ' << i;
         }
@@ -129,7 +130,7 @@ TEST(CosineTransform, SineLifter)
             const auto bare = transformed(src, unlifted, lenCepstrum + 1);
             const auto lifted = transformed(src, withC0, lenCepstrum + 1);
             for (int i = 1; i <= lenCepstrum; ++i) {
-                const std::size_t place = static_cast<std::size_t>(i) - 1;
+                const std::size_t place = i - 1;
                 const long double sine = std::sin(static_cast<long double>(i * std::numbers::pi / nLifter));
                 const long double factor = (1 + nLifter * 0.5L * sine) * val;
                 EXPECT_LE(ulpError(lifted[place], bare[place] * factor), 2) << nLifter << ' ' << i;
@@ -144,16 +145,16 @@ TEST(CosineTransform, SixteenBitFormsConvertTheFloatResult)
     Random random(2);
     for (const Shape& shape : shapes) {
         const int lenDCT = shape.lenDCT, lenCepstrum = shape.lenCepstrum;
-        const auto table = random.vector<float>(static_cast<std::size_t>(lenCepstrum), -4, 4);
+        const auto table = random.vector<float>(lenCepstrum, -4, 4);
         const Lifter_32f reference(zimsDCTLifterInitAlloc_MulC0_32f, lenDCT, table.data(), lenCepstrum);
         const Lifter_16s mulC0(zimsDCTLifterInitAlloc_MulC0_16s, lenDCT, table.data(), lenCepstrum);
         const Lifter_16s mul(zimsDCTLifterInitAlloc_Mul_16s, lenDCT, table.data(), lenCepstrum);
-        const auto shorts = random.any<Zim16s>(static_cast<std::size_t>(lenDCT));
-        const auto ints = random.any<Zim32s>(static_cast<std::size_t>(lenDCT));
+        const auto shorts = random.any<Zim16s>(lenDCT);
+        const auto ints = random.any<Zim32s>(lenDCT);
         const auto expectForm = [&](const auto& src, auto transform, ZimsDCTLifterState_16s* state, int outputs,
                                     int scaleFactor) {
             auto floats = transformed(std::vector<float>(src.begin(), src.end()), reference, lenCepstrum + 1);
-            std::vector<Zim16s> expected(static_cast<std::size_t>(outputs));
+            std::vector<Zim16s> expected(outputs);
             ASSERT_EQ(zimsConvert_32f16s_Sfs(floats.data(), expected.data(), outputs, 1, scaleFactor), zimStsOk);
             const Guarded input(src);
             const Guarded<Zim16s> output(expected.size());
@@ -192,14 +193,14 @@ TEST(CosineTransform, BufferOfThePromisedSizeIsEnoughAtEveryBase)
             ASSERT_EQ(zimsDCTLifterGetSize_MulC0_16s(lenDCT, lenCepstrum, &size), zimStsOk);
             ASSERT_EQ(size, 8 * lenCepstrum + 100 + (4 * lenCepstrum + 4) + 32 * (lenCepstrum + 1) +
                                 (4 * lenCepstrum + 4) * lenDCT + 32);
-            const auto table = random.vector<Zim32s>(static_cast<std::size_t>(lenCepstrum), -3, 3);
+            const auto table = random.vector<Zim32s>(lenCepstrum, -3, 3);
             const std::vector<float> floatTable(table.begin(), table.end());
             const Lifter_16s heap(zimsDCTLifterInitAlloc_MulC0_16s, lenDCT, floatTable.data(), lenCepstrum);
-            const auto src = random.vector<Zim16s>(static_cast<std::size_t>(lenDCT), -3000, 3000);
-            std::vector<Zim16s> expected(static_cast<std::size_t>(lenCepstrum) + 1);
+            const auto src = random.vector<Zim16s>(lenDCT, -3000, 3000);
+            std::vector<Zim16s> expected(lenCepstrum + 1);
             ASSERT_EQ(zimsDCTLifter_16s_Sfs(src.data(), expected.data(), heap, 1), zimStsOk);
             for (std::size_t offset = 0; offset < 32; offset += 4) {
-                const GuardedBlock buffer(static_cast<std::size_t>(size), atOffset(offset));
+                const GuardedBlock buffer(size, atOffset(offset));
                 auto* state = static_cast<ZimsDCTLifterState_16s*>(buffer.data());
                 ASSERT_EQ(zimsDCTLifterInit_MulC0_16s(state, lenDCT, table.data(), lenCepstrum), zimStsOk);
                 std::vector<Zim16s> dst(expected.size());
@@ -216,8 +217,8 @@ TEST(CosineTransform, Checks)
     ZimsDCTLifterState_32f* floats = nullptr;
     ZimsDCTLifterState_16s* shorts = nullptr;
     const auto sine = [&](auto build, auto** state, auto... val0) {
-        expectStatuses({{"state", build(decltype(state){nullptr}, 0, 0, 0, 1.0f, val0...), zimStsNullPointer},
-                        {"lenDCT", build(state, 0, 0, 22, 1.0f, val0...), zimStsBadSize},
+        expectNullsFirst(build, state, 0, 0, 0, 1.0f, val0...);
+        expectStatuses({{"lenDCT", build(state, 0, 0, 22, 1.0f, val0...), zimStsBadSize},
                         {"lenCepstrum", build(state, 4, 0, 22, 1.0f, val0...), zimStsBadSize},
                         {"nLifter", build(state, 4, 4, 0, 1.0f, val0...), zimStsBadSize},
                         {"more cepstra than inputs", build(state, 4, 5, 22, 1.0f, val0...), zimStsBadSize},
@@ -228,9 +229,8 @@ TEST(CosineTransform, Checks)
     sine(zimsDCTLifterInitAlloc_C0_32f, &floats, 1.0f);
     sine(zimsDCTLifterInitAlloc_C0_16s, &shorts, 1.0f);
     const auto fromTable = [&](auto build, auto* state, auto* values) {
-        expectStatuses({{"state", build(decltype(state){nullptr}, 0, values, 0), zimStsNullPointer},
-                        {"table", build(state, 0, nullptr, 0), zimStsNullPointer},
-                        {"lenDCT", build(state, 0, values, 0), zimStsBadSize},
+        expectNullsFirst(build, state, 0, values, 0);
+        expectStatuses({{"lenDCT", build(state, 0, values, 0), zimStsBadSize},
                         {"lenCepstrum", build(state, 4, values, 0), zimStsBadSize},
                         {"more cepstra than inputs", build(state, 3, values, 4), zimStsBadSize}});
     };
@@ -254,18 +254,13 @@ TEST(CosineTransform, Checks)
 
     const Lifter_32f lifter(zimsDCTLifterInitAlloc_32f, 1, 1, 22, 1.0f);
     const Lifter_16s lifter16(zimsDCTLifterInitAlloc_16s, 1, 1, 22, 1.0f);
-    float x = 1, y;
-    Zim16s x16 = 1, y16;
+    float x = 1;
+    Zim16s x16 = 1;
     Zim32s x32 = 1;
-    expectStatuses({{"src", zimsDCTLifter_32f(nullptr, &y, lifter), zimStsNullPointer},
-                    {"dst", zimsDCTLifter_32f(&x, nullptr, lifter), zimStsNullPointer},
-                    {"state", zimsDCTLifter_32f(&x, &y, nullptr), zimStsNullPointer},
-                    {"src", zimsDCTLifter_16s_Sfs(nullptr, &y16, lifter16, 0), zimStsNullPointer},
-                    {"dst", zimsDCTLifter_16s_Sfs(&x16, nullptr, lifter16, 0), zimStsNullPointer},
-                    {"state", zimsDCTLifter_16s_Sfs(&x16, &y16, nullptr, 0), zimStsNullPointer},
-                    {"src", zimsDCTLifter_32s16s_Sfs(nullptr, &y16, lifter16, 0), zimStsNullPointer},
-                    {"dst", zimsDCTLifter_32s16s_Sfs(&x32, nullptr, lifter16, 0), zimStsNullPointer},
-                    {"state", zimsDCTLifter_32s16s_Sfs(&x32, &y16, nullptr, 0), zimStsNullPointer}});
+    ZimsDCTLifterState_16s* const state16 = lifter16;
+    expectNullsFirst(zimsDCTLifter_32f, &x, &x, static_cast<ZimsDCTLifterState_32f*>(lifter));
+    expectNullsFirst(zimsDCTLifter_16s_Sfs, &x16, &x16, state16, 0);
+    expectNullsFirst(zimsDCTLifter_32s16s_Sfs, &x32, &x16, state16, 0);
 }
 
 // Every request of a builder failing in turn, until it runs through and its state is given back.

@@ -94,7 +94,7 @@ TEST(Extremes, TheFirstOccurrenceWinsAcrossStretches)
     for (int first : {0, 7, 8, 2046, 2047, 2048, 2049, 4095, 4096, 4990})
         for (int second : {first + 1, first + 8, 4999}) {
             auto row = values;
-            row[static_cast<std::size_t>(first)] = row[static_cast<std::size_t>(second)] = 5;
+            row[first] = row[second] = 5;
             expectExtremes(doors32, row, atOffset(4));
             expectExtremes(doors64, std::vector<Zim64f>(row.begin(), row.end()), atOffset(8));
         }
@@ -119,24 +119,16 @@ TEST(Extremes, PairByPair)
 
 TEST(Extremes, Checks)
 {
-    expectPointersThenLength(zimsMax_32f);
-    expectPointersThenLength(zimsMax_64f);
-    expectPointersThenLength(zimsMin_32f);
-    expectPointersThenLength(zimsMin_64f);
-    expectPointersThenLength(zimsMaxEvery_32f_I);
-    expectPointersThenLength(zimsMinEvery_32f_I);
-    expectPointersThenLength(zimsMinEvery_32s_I);
+    expectPointersThenLength(zimsMax_32f, zimsMax_64f, zimsMin_32f, zimsMin_64f, zimsMaxEvery_32f_I, zimsMinEvery_32f_I,
+                             zimsMinEvery_32s_I);
     const Zim32f x[1] = {4};
     const Zim64f y[1] = {4};
     Zim32f max32 = 7;
     Zim64f max64 = 7;
     int index = 7;
-    expectStatuses({{"src", zimsMaxIndx_32f(nullptr, 0, &max32, &index), zimStsNullPointer},
-                    {"dstMax", zimsMaxIndx_32f(x, 1, nullptr, &index), zimStsNullPointer},
-                    {"length", zimsMaxIndx_32f(x, 0, &max32, &index), zimStsBadSize},
-                    {"src, no index", zimsMaxIndx_32f(nullptr, 1, &max32, nullptr), zimStsNullPointer},
-                    {"src", zimsMaxIndx_64f(nullptr, 0, &max64, &index), zimStsNullPointer},
-                    {"dstMax", zimsMaxIndx_64f(y, 1, nullptr, &index), zimStsNullPointer},
+    expectNullsFirst(zimsMaxIndx_32f, x, 0, &max32, nullptr);
+    expectNullsFirst(zimsMaxIndx_64f, y, 0, &max64, nullptr);
+    expectStatuses({{"length", zimsMaxIndx_32f(x, 0, &max32, &index), zimStsBadSize},
                     {"length", zimsMaxIndx_64f(y, -1, &max64, &index), zimStsBadSize},
                     {"length, no index", zimsMaxIndx_64f(y, 0, &max64, nullptr), zimStsBadSize}});
     EXPECT_EQ(max32, 7);

@@ -12,23 +12,14 @@
 #include <zimsr/version.h>
 
 #include "support/compare.h"
+#include "support/door_checks.h"
 #include "support/guarded.h"
 #include "support/random.h"
 #include "support/shapes.h"
+#include "support/specials.h"
 
 namespace zimsr::test {
 namespace {
-
-template <class T>
-constexpr T infinity = std::numeric_limits<T>::infinity();
-template <class T>
-constexpr T nan = std::numeric_limits<T>::quiet_NaN();
-template <class T>
-constexpr T smallest = std::numeric_limits<T>::denorm_min();
-template <class T>
-constexpr T smallestNormal = std::numeric_limits<T>::min();
-template <class T>
-constexpr T largest = std::numeric_limits<T>::max();
 
 // ln(x) of a positive finite x by the contract's operations.
 float statedLn(float x)
@@ -101,18 +92,8 @@ TEST(Ln_32f, HasTheBitsOfTheStatedOperations)
 
 TEST(Ln_32f, EveryShapeWithFaultsAnywhere)
 {
-    const std::vector<float> unusual = {0.0f,
-                                        -0.0f,
-                                        -1.0f,
-                                        -smallest<float>,
-                                        -infinity<float>,
-                                        nan<float>,
-                                        -nan<float>,
-                                        infinity<float>,
-                                        smallest<float>,
-                                        0.9f * smallestNormal<float>,
-                                        largest<float>,
-                                        smallestNormal<float>};
+    auto unusual = specialValues<float>();
+    unusual.insert(unusual.end(), {-1.0f, 0.9f * smallestNormal<float>});
     const auto ordinary = positives<float>(2, 5000);
     Random random(2);
     for (int oneIn : {1, 4, 30, 1000})
@@ -147,8 +128,8 @@ TEST(Ln, TheFirstFaultDecides)
         for (int second = first + 1; second < 40; ++second)
             for (bool zeroFirst : {true, false}) {
                 std::vector<float> x(40, 1.0f);
-                x[static_cast<std::size_t>(zeroFirst ? first : second)] = 0;
-                x[static_cast<std::size_t>(zeroFirst ? second : first)] = -1;
+                x[zeroFirst ? first : second] = 0;
+                x[zeroFirst ? second : first] = -1;
                 std::vector<int> whole(x.begin(), x.end());
                 const ZimStatus wanted = zeroFirst ? zimStsLogOfZero : zimStsLogOfNegative;
                 float sum;
@@ -290,7 +271,7 @@ TYPED_TEST(SumLn, TheFirstElementWithoutLogarithmEndsTheCall)
             for (int distance : {1, 7, 100}) {
                 std::vector<Float> x(1500, Float(0.5));
                 for (std::size_t i = 0; i < c.planted.size(); ++i)
-                    x[static_cast<std::size_t>(place) + i * static_cast<std::size_t>(distance)] = c.planted[i];
+                    x[place + i * distance] = c.planted[i];
                 Float sum = 1;
                 EXPECT_EQ(sumLn(x.data(), 1500, &sum), c.status);
                 EXPECT_TRUE(sameBits(sum, c.sum)) << sum << " at " << place;
@@ -301,29 +282,9 @@ TYPED_TEST(SumLn, TheFirstElementWithoutLogarithmEndsTheCall)
     EXPECT_TRUE(std::signbit(sum)) << "the NaN is the library's constant";
 }
 
-TEST(Logarithms, OrderOfChecks)
+TEST(Logarithms, CheckPointersThenLength)
 {
-    Zim32f f = 1;
-    Zim64f d = 1;
-    Zim32s s = 1;
-    expectStatuses({
-        {"Ln_32f null", zimsLn_32f_I(nullptr, 0), zimStsNullPointer},
-        {"Ln_32f size", zimsLn_32f_I(&f, 0), zimStsBadSize},
-        {"Ln_32s null source", zimsLn_32s_Sfs(nullptr, &s, 0, 0), zimStsNullPointer},
-        {"Ln_32s null destination", zimsLn_32s_Sfs(&s, nullptr, 0, 0), zimStsNullPointer},
-        {"Ln_32s size", zimsLn_32s_Sfs(&s, &s, 0, 0), zimStsBadSize},
-        {"Ln_32s in place null", zimsLn_32s_ISfs(nullptr, 0, 0), zimStsNullPointer},
-        {"Ln_32s in place size", zimsLn_32s_ISfs(&s, -1, 0), zimStsBadSize},
-        {"SumLn_32f null source", zimsSumLn_32f(nullptr, 0, &f), zimStsNullPointer},
-        {"SumLn_32f null destination", zimsSumLn_32f(&f, 0, nullptr), zimStsNullPointer},
-        {"SumLn_32f size", zimsSumLn_32f(&f, 0, &f), zimStsBadSize},
-        {"SumLn_64f null source", zimsSumLn_64f(nullptr, 0, &d), zimStsNullPointer},
-        {"SumLn_64f null destination", zimsSumLn_64f(&d, 0, nullptr), zimStsNullPointer},
-        {"SumLn_64f size", zimsSumLn_64f(&d, INT_MIN, &d), zimStsBadSize},
-    });
-    EXPECT_EQ(f, 1);
-    EXPECT_EQ(d, 1);
-    EXPECT_EQ(s, 1);
+    expectPointersThenLength(zimsLn_32f_I, zimsLn_32s_Sfs, zimsLn_32s_ISfs, zimsSumLn_32f, zimsSumLn_64f);
 }
 
 }  // namespace

@@ -342,9 +342,8 @@ TEST(Fixed, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
         form.expectChecks(order);
     for (const auto& form : floatForms)
         form.expectChecks(order);
-    expectPointersThenLength(zimsLogGaussSingle_DirectVar_16s32s_Sfs);
-    expectPointersThenLength(zimsLogGaussSingle_DirectVarScaled_16s32f);
-    expectPointersThenLength(zimsLogGaussSingle_DirectVar_16s32f);
+    expectPointersThenLength(zimsLogGaussSingle_DirectVar_16s32s_Sfs, zimsLogGaussSingle_DirectVarScaled_16s32f,
+                             zimsLogGaussSingle_DirectVar_16s32f);
 }
 
 }  // namespace

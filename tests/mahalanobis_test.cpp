@@ -215,8 +215,7 @@ TEST(FixedMahalanobis, RoundsToNearestInEveryMode)
         return made;
     }()};
     inEveryRoundingMode([&] { EXPECT_EQ(FixedArrays(p, 0, 0, 0).distance(2), 7); });
-    expectPointersThenLength(zimsMahDistSingle_16s32f);
-    expectPointersThenLength(zimsMahDistSingle_16s32s_Sfs);
+    expectPointersThenLength(zimsMahDistSingle_16s32f, zimsMahDistSingle_16s32s_Sfs);
 }
 
 // ---- Moments

@@ -29,12 +29,10 @@ struct Problem {
     std::vector<T> values;
 
     Problem(Random& random, int rows, int columns, T low = -100, T high = 100)
-        : height(rows),
-          width(columns),
-          values(random.vector<T>(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns), low, high))
+        : height(rows), width(columns), values(random.vector<T>(rows * columns, low, high))
     {
     }
-    T at(int r, int c) const { return values[static_cast<std::size_t>(r) * width + c]; }
+    T at(int r, int c) const { return values[r * width + c]; }
 };
 
 template <class T>
@@ -221,11 +219,11 @@ TEST(AddAllRowSum, AddsRowAfterRowOntoWhatStandsThere)
     forEachShape([&](int height, int width, Placement placement) {
         const Problem<Zim32f> p(random, height, width);
         const Arrays<Zim32f> a(p, placement);
-        const auto before = random.vector<Zim32f>(static_cast<std::size_t>(width), -9, 9);
+        const auto before = random.vector<Zim32f>(width, -9, 9);
         auto wanted = before;
         for (int r = 0; r < height; ++r)
             for (int c = 0; c < width; ++c)
-                wanted[static_cast<std::size_t>(c)] += p.at(r, c);
+                wanted[c] += p.at(r, c);
         const Guarded<Zim32f> block(before, placement), rows(before, placement);
         EXPECT_EQ(zimsAddAllRowSum_32f_D2(a.mat.data(), a.mat.step(), height, block, width), zimStsOk);
         EXPECT_EQ(zimsAddAllRowSum_32f_D2L(a.rows.data(), height, rows, width), zimStsOk);
@@ -241,10 +239,10 @@ void expectSubtraction(auto block, auto rows, T low, T high)
     forEachShape([&](int height, int width, Placement placement) {
         const Problem<T> p(random, height, width, low, high);
         const Arrays<T> a(p, placement);
-        const Guarded<T> val(random.vector<T>(static_cast<std::size_t>(width), low, high), placement);
+        const Guarded<T> val(random.vector<T>(width, low, high), placement);
         std::vector<T> wanted;
         for (std::size_t i = 0; i < p.values.size(); ++i) {
-            const auto difference = p.values[i] - val[i % static_cast<std::size_t>(width)];
+            const auto difference = p.values[i] - val[i % width];
             wanted.push_back(static_cast<T>(std::clamp<decltype(+difference)>(difference, 2 * low, 2 * high)));
             if constexpr (sizeof(T) == 2)
                 wanted.back() = static_cast<T>(std::clamp<int>(difference, -32768, 32767));
@@ -267,7 +265,7 @@ TEST(ScaledSums, OfARow)
     Random random(6);
     for (int len = 1; len <= 70; ++len)
         for (std::size_t element : {0, 1}) {
-            const auto values = random.vector<Zim64f>(static_cast<std::size_t>(len), -2, 2);
+            const auto values = random.vector<Zim64f>(len, -2, 2);
             const Guarded<Zim64f> x(values, element ? atOffset(8) : Placement{});
             long double magnitudes = 0, squares = 0;
             std::vector<Zim64f> scaled;
@@ -300,7 +298,7 @@ TEST(ScaledSums, OfAColumnFromTopToBottom)
                     Zim64f magnitudes = 0, squares = 0, sum = 0;
                     for (int r = first; r < 9; ++r) {
                         magnitudes += std::fabs(p.at(r, col));
-                        Zim64f& scaled = wanted[static_cast<std::size_t>(5 * r + col)] *= val;
+                        Zim64f& scaled = wanted[5 * r + col] *= val;
                         squares += scaled * scaled;
                     }
                     EXPECT_EQ(abs(rows.data(), 5, 9, &sum, col, first), zimStsOk);
@@ -316,34 +314,19 @@ TEST(MatrixSums, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
     using enum Size;
     const std::vector<ZimStatus> order{zimStsNullPointer, zimStsBadSize, zimStsBadStride};
     const std::vector<Size> columns{step, height, width}, rowsOf{width, step, height};
-    expectMatrixChecks(zimsSumColumn_32f_D2, columns, order);
-    expectMatrixChecks(zimsSumColumn_32f_D2L, {height, width}, order);
-    expectMatrixChecks(zimsSumRow_32f_D2, rowsOf, order);
-    expectMatrixChecks(zimsSumRow_32f_D2L, {width, height}, order);
-    expectMatrixChecks(zimsSumColumn_64f_D2, columns, order);
-    expectMatrixChecks(zimsSumColumn_64f_D2L, {height, width}, order);
-    expectMatrixChecks(zimsSumRow_64f_D2, rowsOf, order);
-    expectMatrixChecks(zimsSumRow_64f_D2L, {width, height}, order);
-    expectMatrixChecks(zimsSumColumn_16s32f_D2, columns, order);
-    expectMatrixChecks(zimsSumColumn_16s32f_D2L, {height, width}, order);
-    expectMatrixChecks(zimsSumRow_16s32f_D2, rowsOf, order);
-    expectMatrixChecks(zimsSumRow_16s32f_D2L, {width, height}, order);
-    expectMatrixChecks(zimsSumColumn_16s32s_D2Sfs, columns, order);
-    expectMatrixChecks(zimsSumColumn_16s32s_D2LSfs, {height, width}, order);
-    expectMatrixChecks(zimsSumRow_16s32s_D2Sfs, rowsOf, order);
-    expectMatrixChecks(zimsSumRow_16s32s_D2LSfs, {width, height}, order);
-    expectMatrixChecks(zimsAddAllRowSum_32f_D2, columns, order);
-    expectMatrixChecks(zimsAddAllRowSum_32f_D2L, {height, width}, order);
-    expectMatrixChecks(zimsSubRow_32f_D2, rowsOf, order);
-    expectMatrixChecks(zimsSubRow_32f_D2L, {width, height}, order);
-    expectMatrixChecks(zimsSubRow_16s_D2, rowsOf, order);
-    expectMatrixChecks(zimsSubRow_16s_D2L, {width, height}, order);
+    expectMatrixChecks(columns, order, zimsSumColumn_32f_D2, zimsSumColumn_64f_D2, zimsSumColumn_16s32f_D2,
+                       zimsSumColumn_16s32s_D2Sfs, zimsAddAllRowSum_32f_D2);
+    expectMatrixChecks({height, width}, order, zimsSumColumn_32f_D2L, zimsSumColumn_64f_D2L, zimsSumColumn_16s32f_D2L,
+                       zimsSumColumn_16s32s_D2LSfs, zimsAddAllRowSum_32f_D2L);
+    expectMatrixChecks(rowsOf, order, zimsSumRow_32f_D2, zimsSumRow_64f_D2, zimsSumRow_16s32f_D2,
+                       zimsSumRow_16s32s_D2Sfs, zimsSubRow_32f_D2, zimsSubRow_16s_D2);
+    expectMatrixChecks({width, height}, order, zimsSumRow_32f_D2L, zimsSumRow_64f_D2L, zimsSumRow_16s32f_D2L,
+                       zimsSumRow_16s32s_D2LSfs, zimsSubRow_32f_D2L, zimsSubRow_16s_D2L);
 }
 
 TEST(ScaledSums, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
 {
-    expectPointersThenLength(zimsSumRowAbs_64f);
-    expectPointersThenLength(zimsSumRowSqr_64f);
+    expectPointersThenLength(zimsSumRowAbs_64f, zimsSumRowSqr_64f);
     Zim64f x[2] = {1, 1}, sum = 7, *const rows[] = {x, x};
     EXPECT_EQ(zimsSumColumnAbs_64f_D2L(nullptr, 0, 2, &sum, 0, 0), zimStsNullPointer);
     EXPECT_EQ(zimsSumColumnAbs_64f_D2L(rows, 2, 2, nullptr, 2, 0), zimStsNullPointer);

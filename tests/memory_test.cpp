@@ -45,7 +45,7 @@ template <class T>
 void expectSets(ZimStatus (*set)(T, T*, int), T value)
 {
     forEachLengthAndPlace<T>([&](int len, Placement placement) {
-        const Guarded<T> dst(static_cast<std::size_t>(len), placement);
+        const Guarded<T> dst(len, placement);
         EXPECT_EQ(set(value, dst, len), zimStsOk);
         EXPECT_TRUE(allAre(dst, value)) << len;
     });
@@ -65,7 +65,7 @@ template <class T>
 void expectZeroes(ZimStatus (*zero)(T*, int))
 {
     forEachLengthAndPlace<T>([&](int len, Placement placement) {
-        const Guarded<T> dst(static_cast<std::size_t>(len), placement);
+        const Guarded<T> dst(len, placement);
         EXPECT_EQ(zero(dst, len), zimStsOk);
         EXPECT_TRUE(allAre(dst, T{0})) << len;
     });
@@ -83,7 +83,7 @@ template <class T>
 void expectCopies(ZimStatus (*copy)(const T*, T*, int))
 {
     forEachLengthAndPlace<T>([&](int len, Placement placement) {
-        const Guarded<T> src(static_cast<std::size_t>(len), placement), dst(src.size(), atOffset(2 * sizeof(T)));
+        const Guarded<T> src(len, placement), dst(src.size(), atOffset(2 * sizeof(T)));
         auto* bytes = reinterpret_cast<unsigned char*>(src.data());
         // All patterns of a byte, so signalling NaNs too, and no two neighbours alike.
         for (std::size_t i = 0; i < src.size() * sizeof(T); ++i)
@@ -106,7 +106,7 @@ TEST(Move, OverlapInEitherDirection)
 {
     for (int len : {1, 2, 33, 1000, 200000})
         for (int distance : {1, 7, 500}) {
-            const std::size_t count = static_cast<std::size_t>(len + distance);
+            const std::size_t count = len + distance;
             std::vector<Zim32f> values(count);
             std::iota(values.begin(), values.end(), 1.0f);
             const Guarded<Zim32f> up(values), down(values);
@@ -121,20 +121,9 @@ TEST(Move, OverlapInEitherDirection)
 
 TEST(Memory, Checks)
 {
-    expectPointersThenLength(zimsSet_8u);
-    expectPointersThenLength(zimsSet_16s);
-    expectPointersThenLength(zimsSet_32s);
-    expectPointersThenLength(zimsSet_32f);
-    expectPointersThenLength(zimsSet_64f);
-    expectPointersThenLength(zimsZero_8u);
-    expectPointersThenLength(zimsZero_16s);
-    expectPointersThenLength(zimsZero_32f);
-    expectPointersThenLength(zimsZero_64f);
-    expectPointersThenLength(zimsCopy_8u);
-    expectPointersThenLength(zimsCopy_16s);
-    expectPointersThenLength(zimsCopy_32f);
-    expectPointersThenLength(zimsCopy_64f);
-    expectPointersThenLength(zimsMove_32f);
+    expectPointersThenLength(zimsSet_8u, zimsSet_16s, zimsSet_32s, zimsSet_32f, zimsSet_64f, zimsZero_8u, zimsZero_16s,
+                             zimsZero_32f, zimsZero_64f, zimsCopy_8u, zimsCopy_16s, zimsCopy_32f, zimsCopy_64f,
+                             zimsMove_32f);
 }
 
 }  // namespace

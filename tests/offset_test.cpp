@@ -113,7 +113,7 @@ TEST(CompensateOffset, SinglePrecision)
     Random random(1);
     for (int len : lengths)
         for (float val : {0.999f, -0.5f, 1.0f, 1.01f, 0.0f}) {
-            const auto x = random.vector<float>(static_cast<std::size_t>(len), -30000, 30000);
+            const auto x = random.vector<float>(len, -30000, 30000);
             const float srcPrev = random.between<float>(-100, 100), dstPrev = random.between<float>(-100, 100);
             const auto expected =
                 filtered(x, srcPrev, dstPrev, val, floatStep, [](auto... a) { return firstOf(a...); });
@@ -132,7 +132,7 @@ TEST(CompensateOffset, Samples)
             for (float val :
                  {0.999f, 0.5f, -0.999f, 1.0f, -1.0f, 0.0f, 1.0000001f, 1.5f, -3.0f, 1e30f, -infinity, std::nanf("")}) {
                 const auto low = static_cast<Zim16s>(-loudness - 1), high = static_cast<Zim16s>(loudness);
-                const auto x = random.vector<Zim16s>(static_cast<std::size_t>(len), low, high);
+                const auto x = random.vector<Zim16s>(len, low, high);
                 const auto srcPrev = random.between(low, high), dstPrev = random.between(low, high);
                 const auto first = [](auto... a) { return firstOf(a...); };
                 const auto rounded = filtered(x, srcPrev, dstPrev, val, roundingStep, first);
@@ -169,7 +169,7 @@ TEST(CompensateOffset, Q15)
         for (int loudness : {2, 20, 3000, 32767})
             for (int val : {32767, 32735, 16384, 1, 0}) {
                 const auto low = static_cast<Zim16s>(-loudness - 1), high = static_cast<Zim16s>(loudness);
-                const auto x = random.vector<Zim16s>(static_cast<std::size_t>(len), low, high);
+                const auto x = random.vector<Zim16s>(len, low, high);
                 const auto srcPrev = random.between(low, high), dstPrev = random.between(low, high);
                 const auto q = static_cast<Zim16s>(val);
                 const auto expected =
@@ -189,9 +189,8 @@ TEST(CompensateOffset, AStreamInBlocks)
     zimsCompensateOffsetQ15_16s(x.data(), whole.data(), 1000, &previous, 0, 32735);
     previous = 0;
     for (int first = 0, len = 1; first < 1000; first += len, len = std::min(2 * len, 1000 - first)) {
-        zimsCompensateOffsetQ15_16s(&x[static_cast<std::size_t>(first)], &blocks[static_cast<std::size_t>(first)], len,
-                                    &previous, last, 32735);
-        last = blocks[static_cast<std::size_t>(first + len - 1)];
+        zimsCompensateOffsetQ15_16s(&x[first], &blocks[first], len, &previous, last, 32735);
+        last = blocks[first + len - 1];
     }
     EXPECT_TRUE(equalBits(blocks, whole));
 }
@@ -207,12 +206,8 @@ TEST(CompensateOffset, AConstantOffsetGoes)
 
 TEST(CompensateOffset, ChecksComeInTheirOrder)
 {
-    expectPointersThenLength(zimsCompensateOffset_32f);
-    expectPointersThenLength(zimsCompensateOffset_32f_I);
-    expectPointersThenLength(zimsCompensateOffset_16s);
-    expectPointersThenLength(zimsCompensateOffset_16s_I);
-    expectPointersThenLength(zimsCompensateOffsetQ15_16s);
-    expectPointersThenLength(zimsCompensateOffsetQ15_16s_I);
+    expectPointersThenLength(zimsCompensateOffset_32f, zimsCompensateOffset_32f_I, zimsCompensateOffset_16s,
+                             zimsCompensateOffset_16s_I, zimsCompensateOffsetQ15_16s, zimsCompensateOffsetQ15_16s_I);
     std::vector<Zim16s> x(65536, 1);
     Zim16s previous = 7;
     Zim16s* const v = x.data();

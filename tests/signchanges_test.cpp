@@ -184,11 +184,8 @@ TEST(SignChangeRate, EveryPairOfALongSignal)
 
 TEST(SignChangeRate, ChecksComeInTheirOrder)
 {
-    expectPointersThenLength(zimsSignChangeRate_32f);
-    expectPointersThenLength(zimsSignChangeRate_16s);
-    expectPointersThenLength(zimsSignChangeRate_Count0_32f);
-    expectPointersThenLength(zimsSignChangeRate_Count0_16s);
-    expectPointersThenLength(zimsSignChangeRateXor_32f);
+    expectPointersThenLength(zimsSignChangeRate_32f, zimsSignChangeRate_16s, zimsSignChangeRate_Count0_32f,
+                             zimsSignChangeRate_Count0_16s, zimsSignChangeRateXor_32f);
 }
 
 }  // namespace

@@ -210,8 +210,8 @@ TEST(FloatProducts, NonFiniteElementsPassThrough)
 {
     for (int len = 1; len <= 40; ++len)
         for (int at = 0; at < len; ++at) {
-            std::vector<Zim32f> x(static_cast<std::size_t>(len), 1), y(x.size(), 0.5f);
-            x[static_cast<std::size_t>(at)] = std::numeric_limits<Zim32f>::infinity();
+            std::vector<Zim32f> x(len, 1), y(x.size(), 0.5f);
+            x[at] = std::numeric_limits<Zim32f>::infinity();
             Zim32f product, sum;
             zimsDotProd_32f(x.data(), y.data(), len, &product);
             zimsSum_32f(x.data(), len, &sum, 1);
@@ -222,14 +222,8 @@ TEST(FloatProducts, NonFiniteElementsPassThrough)
 
 TEST(Sums, Checks)
 {
-    expectPointersThenLength(zimsSum_32f);
-    expectPointersThenLength(zimsSum_32s_Sfs);
-    expectPointersThenLength(zimsSum_16s32s_Sfs);
-    expectPointersThenLength(zimsDotProd_32f);
-    expectPointersThenLength(zimsDotProd_64f);
-    expectPointersThenLength(zimsDotProd_32f64f);
-    expectPointersThenLength(zimsDotProd_16s64s);
-    expectPointersThenLength(zimsDotProd_16s32f);
+    expectPointersThenLength(zimsSum_32f, zimsSum_32s_Sfs, zimsSum_16s32s_Sfs, zimsDotProd_32f, zimsDotProd_64f,
+                             zimsDotProd_32f64f, zimsDotProd_16s64s, zimsDotProd_16s32f);
 }
 
 }  // namespace

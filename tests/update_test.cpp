@@ -18,43 +18,31 @@
 #include "support/guarded.h"
 #include "support/random.h"
 #include "support/shapes.h"
+#include "support/specials.h"
 
 namespace zimsr::test {
 namespace {
 
-template <class Float>
-constexpr Float nan = std::numeric_limits<Float>::quiet_NaN();
-template <class Float>
-constexpr Float inf = std::numeric_limits<Float>::infinity();
-template <class Float>
-constexpr Float leastNormal = std::numeric_limits<Float>::min();
-
 // The functions of one floating type, and what distinguishes its arithmetic.
+#define UPDATE_FUNCTIONS(tag)                                             \
+    using Float = Zim##tag;                                               \
+    static constexpr auto accumulate = zimsMeanVarAcc_##tag;              \
+    static constexpr auto mean = zimsUpdateMean_##tag;                    \
+    static constexpr auto var = zimsUpdateVar_##tag;                      \
+    static constexpr auto weight = zimsUpdateWeight_##tag;                \
+    static constexpr auto gconst = zimsUpdateGConst_##tag;                \
+    static constexpr auto gconstOfVar = zimsUpdateGConst_DirectVar_##tag; \
+    static constexpr auto preCalc = zimsOutProbPreCalc_##tag;             \
+    static constexpr auto preCalcInPlace = zimsOutProbPreCalc_##tag##_I
 struct Single {
-    using Float = Zim32f;
-    static constexpr auto accumulate = zimsMeanVarAcc_32f;
-    static constexpr auto mean = zimsUpdateMean_32f;
-    static constexpr auto var = zimsUpdateVar_32f;
-    static constexpr auto weight = zimsUpdateWeight_32f;
-    static constexpr auto gconst = zimsUpdateGConst_32f;
-    static constexpr auto gconstOfVar = zimsUpdateGConst_DirectVar_32f;
-    static constexpr auto preCalc = zimsOutProbPreCalc_32f;
-    static constexpr auto preCalcInPlace = zimsOutProbPreCalc_32f_I;
+    UPDATE_FUNCTIONS(32f);
     static Float share(Float accumulated, Float occupancy) { return accumulated * (1 / occupancy); }
 };
-
 struct Double {
-    using Float = Zim64f;
-    static constexpr auto accumulate = zimsMeanVarAcc_64f;
-    static constexpr auto mean = zimsUpdateMean_64f;
-    static constexpr auto var = zimsUpdateVar_64f;
-    static constexpr auto weight = zimsUpdateWeight_64f;
-    static constexpr auto gconst = zimsUpdateGConst_64f;
-    static constexpr auto gconstOfVar = zimsUpdateGConst_DirectVar_64f;
-    static constexpr auto preCalc = zimsOutProbPreCalc_64f;
-    static constexpr auto preCalcInPlace = zimsOutProbPreCalc_64f_I;
+    UPDATE_FUNCTIONS(64f);
     static Float share(Float accumulated, Float occupancy) { return accumulated / occupancy; }
 };
+#undef UPDATE_FUNCTIONS
 
 template <class Type>
 class Update : public testing::Test {
@@ -176,18 +164,24 @@ TYPED_TEST(Update, WeightsSumUpAsWritten)
 TYPED_TEST(Update, OccupanciesAreTestedBeforeAnythingIsWritten)
 {
     using Float = typename TypeParam::Float;
-    const Float least = leastNormal<Float>, above = std::nextafter(least, Float(1));
+    const Float least = smallestNormal<Float>, above = std::nextafter(least, Float(1));
     const struct {
         Float first, second;
         ZimStatus status;
     } cases[] = {
-        {0, 1, zimStsZeroOccupancy},           {Float(-0.0), 1, zimStsZeroOccupancy},
-        {least, 1, zimStsZeroOccupancy},       {std::numeric_limits<Float>::denorm_min(), 1, zimStsZeroOccupancy},
-        {-1, 1, zimStsNegativeFactor},         {-least, 1, zimStsNegativeFactor},
-        {nan<Float>, 1, zimStsNegativeFactor}, {-inf<Float>, 0, zimStsNegativeFactor},
-        {1, 0, zimStsZeroOccupancy},           {0, -1, zimStsNegativeFactor},
-        {1, nan<Float>, zimStsNegativeFactor}, {above, above, zimStsOk},
-        {inf<Float>, inf<Float>, zimStsOk},
+        {0, 1, zimStsZeroOccupancy},
+        {Float(-0.0), 1, zimStsZeroOccupancy},
+        {least, 1, zimStsZeroOccupancy},
+        {std::numeric_limits<Float>::denorm_min(), 1, zimStsZeroOccupancy},
+        {-1, 1, zimStsNegativeFactor},
+        {-least, 1, zimStsNegativeFactor},
+        {nan<Float>, 1, zimStsNegativeFactor},
+        {-infinity<Float>, 0, zimStsNegativeFactor},
+        {1, 0, zimStsZeroOccupancy},
+        {0, -1, zimStsNegativeFactor},
+        {1, nan<Float>, zimStsNegativeFactor},
+        {above, above, zimStsOk},
+        {infinity<Float>, infinity<Float>, zimStsOk},
     };
     for (const auto& c : cases) {
         const Float zeros[2] = {}, floors[2] = {-1, -1};
@@ -232,7 +226,7 @@ TYPED_TEST(Update, ConstantsOfGaussians)
           std::tuple(Float(-1), Float(zimConstantOfNAN_32f), zimStsLogOfNegative)})
         for (int place : {0, 9, 38}) {
             std::vector<Float> var(39, Float(0.5));
-            var[static_cast<std::size_t>(place)] = element;
+            var[place] = element;
             Float gconst[2];
             EXPECT_EQ(TypeParam::gconst(var.data(), 39, gconst), status);
             EXPECT_EQ(TypeParam::gconstOfVar(var.data(), 39, gconst + 1), status);
@@ -323,14 +317,11 @@ TYPED_TEST(Update, MomentsBecomeTheDensityOfTheSample)
 
 TEST(Update, PointersThenLength)
 {
-    const auto all = [](auto... doors) { (expectPointersThenLength(doors), ...); };
-    all(zimsUpdateMean_32f, zimsUpdateMean_64f, zimsUpdateVar_32f, zimsUpdateVar_64f, zimsUpdateWeight_32f,
-        zimsUpdateWeight_64f, zimsUpdateGConst_32f, zimsUpdateGConst_64f, zimsUpdateGConst_DirectVar_32f,
-        zimsUpdateGConst_DirectVar_64f);
-    all(zimsOutProbPreCalc_32f, zimsOutProbPreCalc_64f, zimsOutProbPreCalc_32s, zimsOutProbPreCalc_32f_I,
-        zimsOutProbPreCalc_64f_I, zimsOutProbPreCalc_32s_I);
-    all(zimsWeightedSum_32f, zimsWeightedSum_64f, zimsWeightedSum_16s, zimsWeightedSumHalf_32f, zimsWeightedSumHalf_64f,
-        zimsWeightedSumHalf_16s);
+    expectPointersThenLength(zimsUpdateMean_32f, zimsUpdateMean_64f, zimsUpdateVar_32f, zimsUpdateVar_64f,
+                             zimsUpdateWeight_32f, zimsUpdateWeight_64f, zimsUpdateGConst_32f, zimsUpdateGConst_64f,
+                             zimsUpdateGConst_DirectVar_32f, zimsUpdateGConst_DirectVar_64f, zimsOutProbPreCalc_32f,
+                             zimsOutProbPreCalc_64f, zimsOutProbPreCalc_32s, zimsOutProbPreCalc_32f_I,
+                             zimsOutProbPreCalc_64f_I, zimsOutProbPreCalc_32s_I);
     const float x = 1;
     EXPECT_EQ(zimsUpdateMean_32f(&x, nullptr, 0, -1), zimStsNullPointer);
     float mean = 1;

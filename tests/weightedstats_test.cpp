@@ -44,7 +44,7 @@ void expectStatistics(Random& random, int height, int width, Placement placement
 
     std::vector<T> mean, aboutGiven, var;
     for (std::size_t c = 0; c < columns; ++c) {
-        const auto x = [&](int r) { return values[static_cast<std::size_t>(r) * columns + c]; };
+        const auto x = [&](int r) { return values[r * columns + c]; };
         mean.push_back(sumDown(height, T(0), [&](int r) { return weights[r] * x(r); }));
         const T square = sumDown(height, T(0), [&](int r) { return weights[r] * (x(r) * x(r)); });
         aboutGiven.push_back(square - given[c] * given[c]);
@@ -106,12 +106,8 @@ TYPED_TEST(WeightedStats, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
     using F = Api<TypeParam>;
     using enum Size;
     const std::vector<ZimStatus> order{zimStsNullPointer, zimStsBadStride, zimStsBadSize};
-    expectMatrixChecks(F::mean, {step, height, width}, order);
-    expectMatrixChecks(F::meanL, {height, width}, order);
-    expectMatrixChecks(F::var, {step, height, width}, order);
-    expectMatrixChecks(F::varL, {height, width}, order);
-    expectMatrixChecks(F::both, {step, height, width}, order);
-    expectMatrixChecks(F::bothL, {height, width}, order);
+    expectMatrixChecks({step, height, width}, order, F::mean, F::var, F::both);
+    expectMatrixChecks({height, width}, order, F::meanL, F::varL, F::bothL);
 }
 
 }  // namespace

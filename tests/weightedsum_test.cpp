@@ -18,15 +18,11 @@
 #include "support/random.h"
 #include "support/rounding.h"
 #include "support/shapes.h"
+#include "support/specials.h"
 #include "zimcore/frame/rows.h"
 
 namespace zimsr::test {
 namespace {
-
-template <class Float>
-constexpr Float nan = std::numeric_limits<Float>::quiet_NaN();
-template <class Float>
-constexpr Float inf = std::numeric_limits<Float>::infinity();
 
 template <class Float>
 std::vector<Float> numbers(unsigned seed, Float bound = 100)
@@ -105,7 +101,7 @@ TEST(NewVar_32s, RoundsOnTheBoundaryAndTruncatesOffIt)
     std::fill(means.begin() + 20, means.begin() + 24, 0);
     std::fill(sums.begin() + 20, sums.begin() + 24, 0);  // zero stays zero, whatever the scale
     for (int factor : {0, 1, 13, 40, -1, -20, -127, -128, INT_MIN, 149, 150, INT_MAX})
-        for (const float wgt2 : {1.0f, 0.37f, inf<float>}) {
+        for (const float wgt2 : {1.0f, 0.37f, infinity<float>}) {
             const auto valueAt = [&](Zim32s mean, Zim32s sum) {
                 const float v = rawVariance(static_cast<float>(mean), static_cast<float>(sum), 1.7f, wgt2);
                 return v == 0 || (factor >= 150 && std::isfinite(v))
@@ -118,7 +114,7 @@ TEST(NewVar_32s, RoundsOnTheBoundaryAndTruncatesOffIt)
                 const Guarded<Zim32s> mean(m, shape.place<Zim32s>()), varAcc(acc, shape.place<Zim32s>());
                 const Guarded<Zim32s> var(m.size(), atOffset(8));
                 const bool nearest = allAligned(16, mean.data(), varAcc.data());
-                if (factor >= 150 && wgt2 == inf<float> && !nearest)
+                if (factor >= 150 && wgt2 == infinity<float> && !nearest)
                     continue;  // infinity times zero
                 std::vector<Zim32s> wanted;
                 for (std::size_t i = 0; i < m.size(); ++i)
@@ -174,7 +170,7 @@ TEST(WeightedSum_16s, RoundsOnTheBoundaryAndTruncatesOffIt)
 {
     const auto a = Random(21).any<Zim16s>(5003), b = Random(22).any<Zim16s>(5003);
     for (const auto& [wgtA, wgtB] : {std::pair(3.0f, 1.0f), std::pair(1.3f, -0.9f), std::pair(1e-3f, -2e-3f),
-                                     std::pair(inf<float>, 1.0f), std::pair(1.0f, -0.9999999f)})
+                                     std::pair(infinity<float>, 1.0f), std::pair(1.0f, -0.9999999f)})
         for (bool half : {false, true})
             for (int moved = 0; moved < 8; ++moved)
                 for (int len : {1, 2, 7, 8, 9, 15, 16, 37, 64, 133}) {
@@ -225,10 +221,9 @@ TEST(WeightedSum, IntegersAreTheSameInEveryRoundingMode)
 
 TEST(WeightedSum, PointersThenLength)
 {
-    const auto all = [](auto... doors) { (expectPointersThenLength(doors), ...); };
-    all(zimsNewVar_32f, zimsNewVar_32f_I, zimsNewVar_32s_Sfs, zimsNewVar_32s_ISfs, zimsWeightedSum_32f,
-        zimsWeightedSum_64f, zimsWeightedSum_16s, zimsWeightedSumHalf_32f, zimsWeightedSumHalf_64f,
-        zimsWeightedSumHalf_16s);
+    expectPointersThenLength(zimsNewVar_32f, zimsNewVar_32f_I, zimsNewVar_32s_Sfs, zimsNewVar_32s_ISfs,
+                             zimsWeightedSum_32f, zimsWeightedSum_64f, zimsWeightedSum_16s, zimsWeightedSumHalf_32f,
+                             zimsWeightedSumHalf_64f, zimsWeightedSumHalf_16s);
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
-// The order of checks, tried on any door: every fault by itself and with others, nothing written.
+// The order of checks, tried on any doors: every fault by itself and with others, nothing written.
 //
-//     expectPointersThenLength(zimsAdd_32f_I);
-//     expectMatrixChecks(zimsLogGauss_32f_D2, {Size::step, Size::width, Size::height},
-//                        {zimStsBadStride, zimStsNullPointer, zimStsBadSize});
+//     expectPointersThenLength(zimsAdd_32f_I, zimsAdd_64f_I);
+//     expectMatrixChecks({Size::step, Size::width, Size::height}, {zimStsBadStride, zimStsNullPointer, zimStsBadSize},
+//                        zimsLogGauss_32f_D2, zimsLogGauss_64f_D2);
+//     expectNullsFirst(zimsFBankGetCenters_32f, bank, centers);
 #pragma once
 
 #include <gtest/gtest.h>
@@ -75,8 +76,9 @@ private:
     std::array<Buffer, count> buffers_;
 };
 
+// pointersFirst: what a null pointer and a length of 0 give together.
 template <class... Argument>
-void expectPointersThenLength(ZimStatus (*door)(Argument...))
+void expectVectorChecks(bool pointersFirst, ZimStatus (*door)(Argument...))
 {
     constexpr std::size_t length = lengthPlace<Argument...>();
     const Untouched<Argument...> arguments;
@@ -86,7 +88,8 @@ void expectPointersThenLength(ZimStatus (*door)(Argument...))
             std::get<place>(call) = nullptr;
             EXPECT_EQ(std::apply(door, call), zimStsNullPointer) << "argument " << place;
             std::get<length>(call) = 0;
-            EXPECT_EQ(std::apply(door, call), zimStsNullPointer) << "argument " << place << " and the length";
+            EXPECT_EQ(std::apply(door, call), pointersFirst ? zimStsNullPointer : zimStsBadSize)
+                << "argument " << place << " and the length";
         }
     });
     for (int len : {0, -1, INT_MIN}) {
@@ -96,13 +99,39 @@ void expectPointersThenLength(ZimStatus (*door)(Argument...))
     }
 }
 
+template <class... Door>
+void expectPointersThenLength(Door... doors)
+{
+    (expectVectorChecks(true, doors), ...);
+}
+
+template <class... Door>
+void expectLengthThenPointers(Door... doors)
+{
+    (expectVectorChecks(false, doors), ...);
+}
+
+// Each pointer null in turn, whatever else is wrong with the arguments. One that is given as null may be null.
+template <class... Argument, class... Given>
+void expectNullsFirst(ZimStatus (*door)(Argument...), Given... given)
+{
+    const std::tuple<Argument...> arguments(given...);
+    Untouched<Argument...>::forEach([&](auto place) {
+        auto call = arguments;
+        if constexpr (std::is_pointer_v<std::tuple_element_t<place, std::tuple<Argument...>>>)
+            if (std::exchange(std::get<place>(call), nullptr) != nullptr) {
+                EXPECT_EQ(std::apply(door, call), zimStsNullPointer) << "argument " << place;
+            }
+    });
+}
+
 // What the ints of a signature are, from left to right; the ones behind them are not touched.
 enum class Size { step, width, height };
 
 // order: what is checked first, second, third.
 template <class... Argument>
-void expectMatrixChecks(ZimStatus (*door)(Argument...), const std::vector<Size>& sizes,
-                        const std::vector<ZimStatus>& order)
+void expectMatrixChecksOf(ZimStatus (*door)(Argument...), const std::vector<Size>& sizes,
+                          const std::vector<ZimStatus>& order)
 {
     const Untouched<Argument...> arguments;
     const auto expect = [&](auto nullPlace, int step, int width, int height) {
@@ -140,6 +169,12 @@ void expectMatrixChecks(ZimStatus (*door)(Argument...), const std::vector<Size>&
     };
     arguments.forEach(expectAll);
     expectAll(std::integral_constant<std::size_t, sizeof...(Argument)>());
+}
+
+template <class... Door>
+void expectMatrixChecks(const std::vector<Size>& sizes, const std::vector<ZimStatus>& order, Door... doors)
+{
+    (expectMatrixChecksOf(doors, sizes, order), ...);
 }
 
 }  // namespace zimsr::test

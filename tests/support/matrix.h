@@ -30,7 +30,7 @@ public:
         std::vector<T> laid(block_.size(), poison<T>());
         for (int r = 0; r < height; ++r)
             for (int c = 0; c < width; ++c)
-                laid[at(r, c)] = values[static_cast<std::size_t>(r) * width + c];
+                laid[at(r, c)] = values[r * width + c];
         block_.assign(laid);
     }
 
@@ -46,11 +46,8 @@ public:
     }
 
 private:
-    static std::size_t elements(int height, int width, int step)
-    {
-        return static_cast<std::size_t>(height - 1) * step + width;
-    }
-    std::size_t at(int r, int c) const { return static_cast<std::size_t>(r) * step_ + c; }
+    static std::size_t elements(int height, int width, int step) { return (height - 1) * step + width; }
+    std::size_t at(int r, int c) const { return r * step_ + c; }
 
     int height_, width_, step_;
     Guarded<T> block_;

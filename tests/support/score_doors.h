@@ -10,6 +10,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/arguments.h"
 #include "support/door_checks.h"
 #include "support/guarded.h"
 #include "support/matrix.h"
@@ -40,9 +41,17 @@ struct ScoreArrays {
           weightRows(matrixOfWeights, height, width, placement),
           x(vector, placement),
           weights(std::vector<T>(matrixOfWeights.begin(), matrixOfWeights.begin() + width), placement),
-          constants(constants_, placement),
-          running(constants_.size(), placement)
+          constants(constants_, ofScores(placement)),
+          running(constants_.size(), ofScores(placement))
     {
+    }
+
+private:
+    // As many elements past the boundary.
+    static Placement ofScores(Placement placement)
+    {
+        placement.offset = placement.offset / sizeof(T) * sizeof(Score);
+        return placement;
     }
 };
 
@@ -67,29 +76,6 @@ struct OverConstants {
     Score* running;
     operator Score*() const { return running; }
 };
-
-struct Nothing {};
-
-template <class Door, class Arguments>
-struct Takes;
-template <class Door, class... Argument>
-struct Takes<Door, std::tuple<Argument...>> : std::is_invocable<Door, Argument...> {
-};
-
-template <class Door>
-Nothing firstThatFits()
-{
-    return {};
-}
-
-template <class Door, class Arguments, class... Others>
-auto firstThatFits(const Arguments& arguments, const Others&... others)
-{
-    if constexpr (Takes<Door, Arguments>::value)
-        return arguments;
-    else
-        return firstThatFits<Door>(others...);
-}
 
 // The arguments of a door; of a function on one vector, those for row r.
 template <class Door, class T, class Score>
@@ -187,7 +173,7 @@ struct ScoreDoor {
             if constexpr (Is::ofOneVector)
                 expectPointersThenLength(door);
             else
-                expectMatrixChecks(door, Is::sizes(), order);
+                expectMatrixChecks(Is::sizes(), order, door);
         };
     }
 };
