@@ -4,20 +4,17 @@
 
 #include <algorithm>
 #include <climits>
-#include <functional>
-#include <string>
+#include <cstdint>
 #include <vector>
 
 #include <zimsr/logdomain.h>
 #include <zimsr/mixture_fixed.h>
 
 #include "support/compare.h"
-#include "support/door_checks.h"
 #include "support/fixed_scores.h"
-#include "support/guarded.h"
-#include "support/matrix.h"
 #include "support/random.h"
 #include "support/rounding.h"
+#include "support/score_doors.h"
 
 namespace zimsr::test {
 namespace {
@@ -26,230 +23,66 @@ using enum Arithmetic;
 enum class Fold { none, greater, add, sum };
 enum class Fused { never, rows, block };
 
-// ---- Arrays that all functions run on. A matrix of vectors and one vector x: frames and a mean, or means and a frame.
-// Weights are inverse variances, of the one Gaussian or of each.
+// ---- Vectors that are frames or means, and x, a mean or a frame. Weights are inverse variances, of the one Gaussian
+// or of each.
 
 struct Data {
     int height, width;
     Shorts vectors, x, weights;
 
-    Data(Random& random, int height_, int width_, int limit)
+    Data(Random& random, int height_, int width_, Zim16s limit)
         : height(height_),
           width(width_),
-          vectors(random.vector<Zim16s>(count() * static_cast<std::size_t>(width), low(limit), high(limit))),
-          x(random.vector<Zim16s>(static_cast<std::size_t>(width), low(limit), high(limit))),
-          weights(random.vector<Zim16s>(vectors.size(), low(limit / 3), high(limit / 3)))
+          vectors(random.vector<Zim16s>(height * width, -limit, limit)),
+          x(random.vector<Zim16s>(width, -limit, limit)),
+          weights(random.vector<Zim16s>(height * width, -limit / 3, limit / 3))
     {
     }
-
-    std::size_t count() const { return static_cast<std::size_t>(height); }
 
     Frame frame(int r, bool ofManyGaussians, bool weighted) const
     {
         const auto row = [&](const Shorts& matrix, int i) {
-            const auto first = matrix.begin() + static_cast<std::ptrdiff_t>(i) * width;
+            const auto first = matrix.begin() + i * width;
             return Shorts(first, first + width);
         };
         const Shorts weight = weighted ? row(weights, ofManyGaussians ? r : 0) : Shorts{};
         return ofManyGaussians ? Frame{x, row(vectors, r), weight} : Frame{row(vectors, r), x, weight};
     }
-
-private:
-    static Zim16s low(int limit) { return static_cast<Zim16s>(-limit); }
-    static Zim16s high(int limit) { return static_cast<Zim16s>(limit); }
 };
 
 template <class Score>
-struct Arrays {
-    int height, width;
-    Score gconst;
-    StridedMatrix<Zim16s> mat, weightMat;
-    RowMatrix<Zim16s> rows, weightRows;
-    Guarded<Zim16s> x, weights;
-    Guarded<Score> constants, running;
+using Arrays = ScoreArrays<Zim16s, Score>;
 
-    Arrays(const Data& d, int step, Score gconst_, Placement placement)
-        : height(d.height),
-          width(d.width),
-          gconst(gconst_),
-          mat(d.vectors, height, width, step, placement),
-          weightMat(d.weights, height, width, step, placement),
-          rows(d.vectors, height, width, placement),
-          weightRows(d.weights, height, width, placement),
-          x(d.x, placement),
-          weights(Shorts(d.weights.begin(), d.weights.begin() + width), placement),
-          constants(d.count()),
-          running(d.count(), placement)
-    {
-    }
-
-    int step() const { return mat.step(); }
-    // Where the contract fuses scoring and adding, in the fast arithmetic.
-    bool fuses(Fused fused) const
-    {
-        const auto aligned = [](const void* p) { return reinterpret_cast<std::uintptr_t>(p) % 16 == 0; };
-        if (fused == Fused::block)
-            return aligned(mat.data()) && aligned(x) && step() % 8 == 0 && width >= 4;
-        return fused == Fused::rows && aligned(x) && aligned(weights) && aligned(running) &&
-               std::all_of(rows.data(), rows.data() + height, aligned);
-    }
-};
-
-// ---- The functions. How each kind of signature is called on the arrays; Factor is int, or nothing.
-
-using enum Size;
-using V = const Zim16s*;
-using M = const Zim16s* const*;
-
-template <class Run>
-struct Bound {
-    std::vector<Size> sizes;
-    bool manyGaussians;
-    Run run;
-};
-
-template <class Run>
-Bound(std::vector<Size>, bool, Run) -> Bound<Run>;
-
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(V, int, V, V, int, S*, int, S, Factor...))
+// Where the contract fuses scoring and adding, in the fast arithmetic.
+template <class Score>
+bool fuses(const Arrays<Score>& a, Fused fused)
 {
-    return Bound{{step, width, height}, false, [=](const Arrays<S>& a, Factor... f) {
-                     return door(a.mat.data(), a.step(), a.x, a.weights, a.width, a.running, a.height, a.gconst, f...);
-                 }};
+    const auto aligned = [](const void* p) { return reinterpret_cast<std::uintptr_t>(p) % 16 == 0; };
+    if (fused == Fused::block)
+        return aligned(a.mat.data()) && aligned(a.x) && a.mat.step() % 8 == 0 && a.width >= 4;
+    return fused == Fused::rows && aligned(a.x) && aligned(a.weights) && aligned(a.running) &&
+           std::all_of(a.rows.data(), a.rows.data() + a.height, aligned);
 }
 
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(M, V, V, int, S*, int, S, Factor...))
-{
-    return Bound{{width, height}, false, [=](const Arrays<S>& a, Factor... f) {
-                     return door(a.rows.data(), a.x, a.weights, a.width, a.running, a.height, a.gconst, f...);
-                 }};
-}
-
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(V, int, V, int, S*, int, S, Factor...))
-{
-    return Bound{{step, width, height}, false, [=](const Arrays<S>& a, Factor... f) {
-                     return door(a.mat.data(), a.step(), a.x, a.width, a.running, a.height, a.gconst, f...);
-                 }};
-}
-
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(M, V, int, S*, int, S, Factor...))
-{
-    return Bound{{width, height}, false, [=](const Arrays<S>& a, Factor... f) {
-                     return door(a.rows.data(), a.x, a.width, a.running, a.height, a.gconst, f...);
-                 }};
-}
-
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(V, V, int, V, int, S*, int, Factor...))
-{
-    return Bound{{step, width, height}, true, [=](const Arrays<S>& a, Factor... f) {
-                     a.running.assign(a.constants.values());
-                     return door(a.mat.data(), a.weightMat.data(), a.step(), a.x, a.width, a.running, a.height, f...);
-                 }};
-}
-
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(M, M, V, int, S*, int, Factor...))
-{
-    return Bound{{width, height}, true, [=](const Arrays<S>& a, Factor... f) {
-                     a.running.assign(a.constants.values());
-                     return door(a.rows.data(), a.weightRows.data(), a.x, a.width, a.running, a.height, f...);
-                 }};
-}
-
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(V, V, int, V, int, const S*, S*, int, Factor...))
-{
-    return Bound{{step, width, height}, true, [=](const Arrays<S>& a, Factor... f) {
-                     return door(a.mat.data(), a.weightMat.data(), a.step(), a.x, a.width, a.constants, a.running,
-                                 a.height, f...);
-                 }};
-}
-
-template <class S, class... Factor>
-auto bind(ZimStatus (*door)(M, M, V, int, const S*, S*, int, Factor...))
-{
-    return Bound{{width, height}, true, [=](const Arrays<S>& a, Factor... f) {
-                     return door(a.rows.data(), a.weightRows.data(), a.x, a.width, a.constants, a.running, a.height,
-                                 f...);
-                 }};
-}
+// ---- The functions
 
 template <class S>
-auto bind(ZimStatus (*door)(V, V, V, int, int, int, const S*, S*, int))
-{
-    return Bound{{height, step, width}, true, [=](const Arrays<S>& a, int factor) {
-                     return door(a.x, a.mat.data(), a.weightMat.data(), a.height, a.step(), a.width, a.constants,
-                                 a.running, factor);
-                 }};
-}
-
-template <class S>
-auto bind(ZimStatus (*door)(V, M, M, int, int, const S*, S*, int))
-{
-    return Bound{{height, width}, true, [=](const Arrays<S>& a, int factor) {
-                     return door(a.x, a.rows.data(), a.weightRows.data(), a.height, a.width, a.constants, a.running,
-                                 factor);
-                 }};
-}
-
-template <class S>
-auto bind(ZimStatus (*door)(V, V, int, int, int, const S*, S*, int))
-{
-    return Bound{{height, step, width}, true, [=](const Arrays<S>& a, int factor) {
-                     return door(a.x, a.mat.data(), a.height, a.step(), a.width, a.constants, a.running, factor);
-                 }};
-}
-
-template <class S>
-auto bind(ZimStatus (*door)(V, M, int, int, const S*, S*, int))
-{
-    return Bound{{height, width}, true, [=](const Arrays<S>& a, int factor) {
-                     return door(a.x, a.rows.data(), a.height, a.width, a.constants, a.running, factor);
-                 }};
-}
-
-template <class S>
-struct Form {
-    const char* name;
+struct Form : ScoreDoor<Zim16s, S> {
     Fold fold;
     Arithmetic arithmetic;
-    Fused fused;
-    bool manyGaussians, hasFactor;
-    std::function<ZimStatus(const Arrays<S>&, int factor)> run;
-    std::function<void()> expectChecks;
-
-    template <class Door>
-    Form(const char* name_, Door door, Fold fold_, Arithmetic arithmetic_, Fused fused_ = Fused::never,
-         const std::vector<ZimStatus>& order = {zimStsBadStride, zimStsNullPointer, zimStsBadSize})
-        : name(name_), fold(fold_), arithmetic(arithmetic_), fused(fused_)
-    {
-        const auto bound = bind(door);
-        manyGaussians = bound.manyGaussians;
-        hasFactor = std::is_invocable_v<decltype(bound.run), const Arrays<S>&, int>;
-        run = [call = bound.run](const Arrays<S>& a, int factor) {
-            if constexpr (std::is_invocable_v<decltype(call), const Arrays<S>&, int>)
-                return call(a, factor);
-            else
-                return call(a);
-        };
-        expectChecks = [=, sizes = bound.sizes] { expectMatrixChecks(door, sizes, order); };
-    }
+    Fused fused = Fused::never;
+    std::vector<ZimStatus> order = {zimStsBadStride, zimStsNullPointer, zimStsBadSize};
 };
 
-#define BOTH(function, ...)                           \
-    {#function "_D2", function##_D2, __VA_ARGS__},    \
-    {                                                 \
-#function "_D2L", function##_D2L, __VA_ARGS__ \
+#define BOTH(function, ...)                     \
+    {SCORE_DOOR(function##_D2), __VA_ARGS__},   \
+    {                                           \
+        SCORE_DOOR(function##_D2L), __VA_ARGS__ \
     }
-#define BOTH_SFS(function, ...)                             \
-    {#function "_D2Sfs", function##_D2Sfs, __VA_ARGS__},    \
-    {                                                       \
-#function "_D2LSfs", function##_D2LSfs, __VA_ARGS__ \
+#define BOTH_SFS(function, ...)                    \
+    {SCORE_DOOR(function##_D2Sfs), __VA_ARGS__},   \
+    {                                              \
+        SCORE_DOOR(function##_D2LSfs), __VA_ARGS__ \
     }
 
 const std::vector<Form<Zim32s>> integerForms = {
@@ -272,14 +105,14 @@ const std::vector<Form<Zim32f>> floatForms = {
     BOTH(zimsLogGaussMax_IdVar_16s32f, Fold::greater, idVar),
     BOTH(zimsLogGaussMax_LowScaled_16s32f, Fold::greater, low),
     BOTH(zimsLogGaussMax_IdVarLowScaled_16s32f, Fold::greater, idVarLow),
-    {"Add_Scaled_D2", zimsLogGaussAdd_Scaled_16s32f_D2, Fold::add, plain},
-    {"Add_Scaled_D2L", zimsLogGaussAdd_Scaled_16s32f_D2L, Fold::add, plain, Fused::rows},
-    {"Add_D2", zimsLogGaussAdd_16s32f_D2, Fold::add, plain},
-    {"Add_D2L", zimsLogGaussAdd_16s32f_D2L, Fold::add, plain, Fused::rows},
-    {"Add_IdVarScaled_D2", zimsLogGaussAdd_IdVarScaled_16s32f_D2, Fold::add, idVar, Fused::block},
-    {"Add_IdVarScaled_D2L", zimsLogGaussAdd_IdVarScaled_16s32f_D2L, Fold::add, idVar},
-    {"Add_IdVar_D2", zimsLogGaussAdd_IdVar_16s32f_D2, Fold::add, idVar, Fused::block},
-    {"Add_IdVar_D2L", zimsLogGaussAdd_IdVar_16s32f_D2L, Fold::add, idVar},
+    {SCORE_DOOR(zimsLogGaussAdd_Scaled_16s32f_D2), Fold::add, plain},
+    {SCORE_DOOR(zimsLogGaussAdd_Scaled_16s32f_D2L), Fold::add, plain, Fused::rows},
+    {SCORE_DOOR(zimsLogGaussAdd_16s32f_D2), Fold::add, plain},
+    {SCORE_DOOR(zimsLogGaussAdd_16s32f_D2L), Fold::add, plain, Fused::rows},
+    {SCORE_DOOR(zimsLogGaussAdd_IdVarScaled_16s32f_D2), Fold::add, idVar, Fused::block},
+    {SCORE_DOOR(zimsLogGaussAdd_IdVarScaled_16s32f_D2L), Fold::add, idVar},
+    {SCORE_DOOR(zimsLogGaussAdd_IdVar_16s32f_D2), Fold::add, idVar, Fused::block},
+    {SCORE_DOOR(zimsLogGaussAdd_IdVar_16s32f_D2L), Fold::add, idVar},
     BOTH(zimsLogGaussAdd_LowScaled_16s32f, Fold::add, low),
     BOTH(zimsLogGaussAdd_IdVarLowScaled_16s32f, Fold::add, idVarLow),
     BOTH(zimsLogGaussMultiMix_Scaled_16s32f, Fold::none, plain),
@@ -356,7 +189,7 @@ std::vector<S> wanted(const Form<S>& form, const Data& d, const Arrays<S>& a, in
         return scores;
     if constexpr (std::is_floating_point_v<S>) {
         if (form.fold == Fold::add) {
-            zimsLogAdd_32f(scores.data(), running.data(), d.height, a.fuses(form.fused) ? 1 : 0);
+            zimsLogAdd_32f(scores.data(), running.data(), d.height, fuses(a, form.fused) ? 1 : 0);
         } else {
             std::vector<S> block;
             for (std::size_t first = 0; first < scores.size(); first += 100) {
@@ -395,7 +228,7 @@ void expectForms(const std::vector<Form<S>>& forms, const Data& d, int step, Pla
                  const std::vector<int>& factors, Random& random)
 {
     const S gconst = std::is_integral_v<S> ? random.between(S{-100000000}, S{100000000}) : random.between(S{-60}, S{0});
-    Arrays<S> a(d, step, gconst, placement);
+    Arrays<S> a(d.height, step, d.vectors, d.weights, d.x, gconst, std::vector<S>(d.height), placement);
     for (const auto& form : forms)
         for (int factor : factors) {
             if (!form.hasFactor && factor != 0)
@@ -504,9 +337,9 @@ TEST(FixedMixture, AMaximumBeyondTheRangeSaturates)
 TEST(FixedMixture, ChecksComeInTheirOrderAndARefusedCallWritesNothing)
 {
     for (const auto& form : integerForms)
-        form.expectChecks();
+        form.expectChecks(form.order);
     for (const auto& form : floatForms)
-        form.expectChecks();
+        form.expectChecks(form.order);
 }
 
 }  // namespace

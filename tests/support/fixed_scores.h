@@ -21,8 +21,8 @@ struct Frame {
     Shorts x, mean, invVar;
 
     int width() const { return static_cast<int>(x.size()); }
-    int weight(int j) const { return invVar.empty() ? 1 : invVar[static_cast<std::size_t>(j)]; }
-    int exact(int j) const { return x[static_cast<std::size_t>(j)] - mean[static_cast<std::size_t>(j)]; }
+    int weight(int j) const { return invVar.empty() ? 1 : invVar[j]; }
+    int exact(int j) const { return x[j] - mean[j]; }
     int saturated(int j) const { return std::clamp(exact(j), -32768, 32767); }
     // How many elements stand in full groups of eight.
     int grouped() const { return width() / 8 * 8; }
@@ -322,16 +322,15 @@ struct Block {
 inline Block smallBlock(Random& random, int height, int width)
 {
     const auto w = static_cast<std::size_t>(width);
-    Block block{height, width, random.vector<Zim16s>(w * static_cast<std::size_t>(height), -60, 60),
-                random.vector<Zim16s>(w, -60, 60), random.vector<Zim16s>(w, -20, 20)};
+    Block block{height, width, random.vector<Zim16s>(w * height, -60, 60), random.vector<Zim16s>(w, -60, 60),
+                random.vector<Zim16s>(w, -20, 20)};
     return block;
 }
 
 inline Block anyBlock(Random& random, int height, int width)
 {
     const auto w = static_cast<std::size_t>(width);
-    return {height, width, random.any<Zim16s>(w * static_cast<std::size_t>(height)), random.any<Zim16s>(w),
-            random.any<Zim16s>(w)};
+    return {height, width, random.any<Zim16s>(w * height), random.any<Zim16s>(w), random.any<Zim16s>(w)};
 }
 
 // Differences of all sizes in one or two neighbouring places of each frame, and nothing elsewhere.
@@ -341,15 +340,15 @@ inline Block sparseBlock(Random& random, int height, int width, int place)
     for (int r = 0; r < height; ++r)
         for (int j = 0; j < width; ++j)
             if (j != place && j != (place ^ 1))
-                block.frames[static_cast<std::size_t>(r * width + j)] = block.mean[static_cast<std::size_t>(j)];
+                block.frames[r * width + j] = block.mean[j];
     const Zim16s extremes[] = {-32768, 32767};
     for (int j : {place, place ^ 1})
         if (j < width && random.between(0, 2) != 0) {
-            block.mean[static_cast<std::size_t>(j)] = extremes[random.between(0, 1)];
+            block.mean[j] = extremes[random.between(0, 1)];
             for (int r = 0; r < height; ++r)
-                block.frames[static_cast<std::size_t>(r * width + j)] =
-                    random.between(0, 1) != 0 ? extremes[random.between(0, 1)]
-                                              : static_cast<Zim16s>(random.between(-9000, 9000));
+                block.frames[r * width + j] = random.between(0, 1) != 0
+                                                  ? extremes[random.between(0, 1)]
+                                                  : static_cast<Zim16s>(random.between(-9000, 9000));
         }
     return block;
 }
