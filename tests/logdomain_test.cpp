@@ -11,17 +11,16 @@
 #include <zimsr/logdomain.h>
 
 #include "support/compare.h"
+#include "support/door_checks.h"
 #include "support/guarded.h"
+#include "support/logdomain_reference.h"
 #include "support/random.h"
 #include "support/shapes.h"
+#include "support/specials.h"
 #include "zimsr/kernels/logdomain.h"
-#include "zimsr/kernels/logdomain_tables.h"
 
 namespace zimsr::test {
 namespace {
-
-constexpr float inf = std::numeric_limits<float>::infinity();
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 const int hints[] = {0, 1, 2};
 
@@ -37,34 +36,6 @@ Zim64f add(Zim64f a, Zim64f b, int hint = 0)
     return b;
 }
 
-// ln(exp(a) + exp(b))
-long double exactSum(long double a, long double b)
-{
-    const long double greater = std::max(a, b);
-    return greater + std::log1p(std::exp(std::min(a, b) - greater));
-}
-
-// The definition by the tables, in extended precision.
-long double tabulatedSum(long double a, long double b, bool doubleLevel)
-{
-    const Zim64f* p[3];
-    if (doubleLevel)
-        GetLogAddConst(&p[0], &p[1], &p[2]);
-    else
-        GetLogAddConst_F(&p[0], &p[1], &p[2]);
-    const int degree = doubleLevel ? 21 : 10;
-    const long double first = doubleLevel ? -3.5 : -2.55, second = doubleLevel ? -9.0 : -6.8;
-    const long double greater = std::max(a, b), d = std::min(a, b) - greater;
-    if (d < (doubleLevel ? -23.0258509299405 : -15.3195879547406))
-        return greater < (doubleLevel ? -9e9 : -4500000.0) ? (doubleLevel ? -1e10 : -4500000.0) : greater;
-    const int segment = d > first ? 0 : d > second ? 1 : 2;
-    const long double t = segment == 0 ? d : d - (segment == 1 ? first : second);
-    long double correction = p[segment][0];
-    for (int i = 1; i <= degree; ++i)
-        correction = correction * t + p[segment][i];
-    return greater + correction;
-}
-
 // Pairs all over the segments, at and beside the break points, far apart, equal, below the floor.
 template <class T>
 std::vector<std::pair<T, T>> pairs()
@@ -73,12 +44,22 @@ std::vector<std::pair<T, T>> pairs()
     for (double d : {0.0, -2.55, -6.8, -15.3195879547406, -3.5, -9.0, -23.0258509299405, -1e-6, -1.0, -20.0, -1000.0})
         for (double base : {0.0, 0.3, -47.25, 1000.0, -4499990.0, -4600000.0, -9.5e9, -2e10}) {
             const T a = static_cast<T>(base), b = static_cast<T>(a + static_cast<T>(d));
-            all.insert(all.end(), {{a, b}, {b, a}, {a, std::nextafter(b, T(inf))}, {std::nextafter(b, T(-inf)), a}});
+            all.insert(all.end(),
+                       {{a, b}, {b, a}, {a, std::nextafter(b, infinity<T>)}, {std::nextafter(b, -infinity<T>), a}});
         }
     Random random(21);
     for (int i = 0; i < 3000; ++i)
         all.emplace_back(random.between<T>(-30, 0), random.between<T>(-30, 0));
     return all;
+}
+
+template <class T>
+std::pair<std::vector<T>, std::vector<T>> unzipped(const std::vector<std::pair<T, T>>& all)
+{
+    std::pair<std::vector<T>, std::vector<T>> result;
+    for (const auto& [a, b] : all)
+        result.first.push_back(a), result.second.push_back(b);
+    return result;
 }
 
 TEST(LogAdd, AccurateModesAreTheTabulatedSumRounded)
@@ -95,20 +76,13 @@ TEST(LogAdd, AccurateModesAreTheTabulatedSumRounded)
     }
 }
 
-TEST(LogAdd, NearTheExactSum)
+TEST(LogAdd, TheFastModeIsNearTheExactSum)
 {
-    for (const auto& [a, b] : pairs<Zim32f>()) {
-        if (std::max(a, b) < -4500000.0f)
-            continue;
-        const long double exact = exactSum(a, b);
-        // Half a unit, and what is dropped at the threshold.
-        const long double unit = std::ldexp(1.0L, std::ilogb(std::fabs(exact) + 1e-30L) - 23);
-        EXPECT_LE(std::fabs(add(a, b, 0) - exact), 0.5L * unit + 2.3e-7L);
-        EXPECT_LE(std::fabs(add(a, b, 1) - exact), unit + 5e-7L) << a << ' ' << b;
-    }
-    for (const auto& [a, b] : pairs<Zim64f>())
-        if (std::max(a, b) >= -9e9) {
-            EXPECT_LE(std::fabs(add(a, b) - exactSum(a, b)), std::fabs(a) * 0x1p-52L + 1.1e-10L);
+    for (const auto& [a, b] : pairs<Zim32f>())
+        if (std::max(a, b) >= -4500000.0f) {
+            const long double exact = exactSum(a, b);
+            const long double unit = std::ldexp(1.0L, std::ilogb(std::fabs(exact) + 1e-30L) - 23);
+            EXPECT_LE(std::fabs(add(a, b, 1) - exact), unit + 5e-7L) << a << ' ' << b;
         }
 }
 
@@ -130,11 +104,11 @@ TEST(LogAdd, StatedExamples)
         EXPECT_EQ(add(-5000000.0f, -6000000.0f, hint), -4500000.0f);
         EXPECT_EQ(add(3.0f, -20.0f, hint), 3.0f);
         EXPECT_EQ(add(-5000000.0f, -5000000.0f, hint), static_cast<Zim32f>(-5000000.0 + 0.6931471827215062));
-        EXPECT_EQ(add(-inf, 2.0f, hint), 2.0f);
-        EXPECT_TRUE(std::isnan(add(-inf, -inf, hint)));
+        EXPECT_EQ(add(-infinity<float>, 2.0f, hint), 2.0f);
+        EXPECT_TRUE(std::isnan(add(-infinity<float>, -infinity<float>, hint)));
         // The second operand is what the processor's maximum and minimum give.
-        EXPECT_TRUE(std::isnan(add(1.0f, nan, hint)));
-        EXPECT_NEAR(add(nan, 1.0f, hint), 1.6931472f, 1e-6f);
+        EXPECT_TRUE(std::isnan(add(1.0f, nan<float>, hint)));
+        EXPECT_NEAR(add(nan<float>, 1.0f, hint), 1.6931472f, 1e-6f);
         EXPECT_EQ(add(-2e10, -1e11, hint), -1e10);
         EXPECT_EQ(add(3.0, -30.0, hint), 3.0);
     }
@@ -151,20 +125,21 @@ TEST(LogAdd, UnknownHintsLeaveTheVector)
 // A vector is its elements, at every length and place, at every level: the kernels in this test are the baseline's.
 TEST(LogAdd, VectorsAreTheirElements)
 {
-    std::vector<Zim32f> a, b;
-    for (const auto& pair : pairs<Zim32f>())
-        a.push_back(pair.first), b.push_back(pair.second);
-    expectInPlace([](const Zim32f* src, Zim32f* srcDst, int len) { return zimsLogAdd_32f(src, srcDst, len, 0); },
-                  [](Zim32f old, Zim32f x) { return LogAddAccurate{}(splat<F8>(x), splat<F8>(old))[0]; }, a, b);
-    expectInPlace([](const Zim32f* src, Zim32f* srcDst, int len) { return zimsLogAdd_32f(src, srcDst, len, 1); },
-                  [](Zim32f old, Zim32f x) { return LogAddFast{}(splat<F8>(x), splat<F8>(old))[0]; }, a, b);
-    expectInPlace([](const Zim32f* src, Zim32f* srcDst, int len) { return zimsLogAdd_32f(src, srcDst, len, 2); },
-                  [](Zim32f old, Zim32f x) { return logAddExtended(x, old); }, a, b);
-    std::vector<Zim64f> c, d;
-    for (const auto& pair : pairs<Zim64f>())
-        c.push_back(pair.first), d.push_back(pair.second);
-    expectInPlace([](const Zim64f* src, Zim64f* srcDst, int len) { return zimsLogAdd_64f(src, srcDst, len, 1); },
-                  [](Zim64f old, Zim64f x) { return LogAddDouble{}(splat<D4>(x), splat<D4>(old))[0]; }, c, d);
+    const auto expectHint = [](auto door, int hint, auto element, const auto& operands) {
+        const auto& [a, b] = operands;
+        expectInPlace([=](auto* src, auto* srcDst, int len) { return door(src, srcDst, len, hint); }, element, a, b);
+    };
+    const auto floats = unzipped(pairs<Zim32f>());
+    expectHint(
+        zimsLogAdd_32f, 0, [](Zim32f old, Zim32f x) { return LogAddAccurate{}(splat<F8>(x), splat<F8>(old))[0]; },
+        floats);
+    expectHint(
+        zimsLogAdd_32f, 1, [](Zim32f old, Zim32f x) { return LogAddFast{}(splat<F8>(x), splat<F8>(old))[0]; }, floats);
+    expectHint(
+        zimsLogAdd_32f, 2, [](Zim32f old, Zim32f x) { return logAddExtended(x, old); }, floats);
+    expectHint(
+        zimsLogAdd_64f, 1, [](Zim64f old, Zim64f x) { return LogAddDouble{}(splat<D4>(x), splat<D4>(old))[0]; },
+        unzipped(pairs<Zim64f>()));
 }
 
 TEST(LogAdd, OfAVectorAndItself)
@@ -180,40 +155,6 @@ TEST(LogAdd, OfAVectorAndItself)
 }
 
 // ---- Scaled integers
-
-// v * 2^exponent truncated toward zero into the type; NaN gives its least value.
-template <class Int>
-Int truncated(long double v, int exponent)
-{
-    using Limits = std::numeric_limits<Int>;
-    v = std::ldexp(v, std::clamp(exponent, -3000, 3000));
-    if (std::isnan(v))
-        return Limits::min();
-    return static_cast<Int>(std::clamp<long double>(std::trunc(v), Limits::min(), Limits::max()));
-}
-
-Zim32f scaleOf(int scaleFactor)
-{
-    return std::ldexp(1.0f, -std::clamp(scaleFactor, -1000, 1000));
-}
-
-const int factors[] = {0,   1,   5,   8,    15,  31,   -1,   -3,   126,     127,
-                       128, 149, 150, 1000, -60, -127, -128, -200, INT_MAX, INT_MIN};
-
-template <class Int>
-std::vector<Int> integers(unsigned seed)
-{
-    Random random(seed);
-    auto values = random.vector<Int>(40, -700, 100);
-    const auto wide = random.any<Int>(40);
-    values.insert(values.end(), wide.begin(), wide.end());
-    for (int special : {0, 0, 1, -1})
-        values.push_back(static_cast<Int>(special));
-    values.insert(values.end(), {std::numeric_limits<Int>::min(), std::numeric_limits<Int>::max()});
-    for (int i = 0; i < 200; ++i)
-        values.push_back(static_cast<Int>(random.between(-32768, 32767)));
-    return values;
-}
 
 template <class Int, class Add>
 void expectAddsScaled(Add addScaled)
@@ -265,54 +206,40 @@ T sumInLanes(const std::vector<T>& values, std::size_t lanes, AddPair addPair)
     return sums[0];
 }
 
-template <class T>
-long double exactSumOf(const std::vector<T>& values)
-{
-    long double sum = values[0];
-    for (std::size_t i = 1; i < values.size(); ++i)
-        sum = exactSum(sum, values[i]);
-    return sum;
-}
-
 template <class T, class Sum, class AddPair>
-void expectSums(Sum sum, std::size_t lanes, T spread, long double tolerance, AddPair addPair)
+void expectSums(Sum sum, std::size_t lanes, T spread, AddPair addPair)
 {
     Random random(25);
     forEachShape([&](Shape shape) {
-        const auto values = random.vector<T>(static_cast<std::size_t>(shape.len), -spread, 0);
+        const auto values = random.vector<T>(shape.len, -spread, 0);
         const Guarded<T> src(values, shape.place<T>()), dst(1);
         EXPECT_EQ(sum(src.data(), dst.data(), shape.len), zimStsOk);
         EXPECT_TRUE(sameBits(dst[0], sumInLanes(values, lanes, addPair))) << shape;
-        EXPECT_LE(std::fabs(dst[0] - exactSumOf(values)), tolerance * shape.len) << shape;
     });
 }
 
 TEST(LogSum, LanesSideBySide)
 {
     for (Zim32f spread : {2.0f, 40.0f})
-        expectSums<Zim32f>(zimsLogSum_32f, 4, spread, 2e-6L, [](Zim32f a, Zim32f b) { return add(a, b, 1); });
+        expectSums<Zim32f>(zimsLogSum_32f, 4, spread, [](Zim32f a, Zim32f b) { return add(a, b, 1); });
     for (Zim64f spread : {2.0, 60.0})
-        expectSums<Zim64f>(zimsLogSum_64f, 2, spread, 1.1e-10L, [](Zim64f a, Zim64f b) { return add(a, b); });
+        expectSums<Zim64f>(zimsLogSum_64f, 2, spread, [](Zim64f a, Zim64f b) { return add(a, b); });
+}
+
+template <class T, class... Factor>
+void expectDelivered(ZimStatus (*sum)(const T*, T*, int, Factor...), T value, Factor... factor)
+{
+    T result;
+    EXPECT_EQ(sum(&value, &result, 1, factor...), zimStsOk);
+    EXPECT_EQ(result, value);
 }
 
 TEST(LogSum, OneElementIsDeliveredAsItIs)
 {
-    const Zim32f f = -6000000.0f;
-    const Zim64f d = -3e10;
-    const Zim32s i = INT_MIN;
-    const Zim16s s = -32768;
-    Zim32f sumF;
-    Zim64f sumD;
-    Zim32s sumI;
-    Zim16s sumS;
-    zimsLogSum_32f(&f, &sumF, 1);
-    zimsLogSum_64f(&d, &sumD, 1);
-    zimsLogSum_32s_Sfs(&i, &sumI, 1, -200);
-    zimsLogSum_16s_Sfs(&s, &sumS, 1, 200);
-    EXPECT_EQ(sumF, f);
-    EXPECT_EQ(sumD, d);
-    EXPECT_EQ(sumI, i);
-    EXPECT_EQ(sumS, s);
+    expectDelivered(zimsLogSum_32f, -6000000.0f);
+    expectDelivered(zimsLogSum_64f, -3e10);
+    expectDelivered(zimsLogSum_32s_Sfs, INT_MIN, -200);
+    expectDelivered(zimsLogSum_16s_Sfs, Zim16s{-32768}, 200);
 }
 
 // Up to six elements one by one, each exact; more in blocks of 128, with the sum so far before the next block.
@@ -379,7 +306,7 @@ void expectSubtracts(Sub sub, T zero, T small, T threshold)
             a.push_back(i % 5 == 4 ? zero * T(1.5) : random.between<T>(-50, 50));
             b.push_back(a.back() - (i % 3 == 0 ? random.between<T>(T(0.001), 1) : random.between<T>(1, 30)));
             if (b.back() >= a.back())
-                b.back() = std::nextafter(a.back(), T(-inf));
+                b.back() = std::nextafter(a.back(), -infinity<T>);
         }
         const Guarded<T> src(a, shape.place<T>()), srcDst(b, shape.place<T>());
         EXPECT_EQ(sub(src.data(), srcDst.data(), shape.len), zimStsOk);
@@ -401,8 +328,9 @@ TEST(LogSub, NearTheExactDifference)
 
 TEST(LogSub, NeighboursAndVanishing)
 {
-    const Zim32f src[] = {0.0f, 1000.0f, -8.0f, 5.0f, 2.0f, -inf, -inf};
-    Zim32f srcDst[] = {-1e-6f, std::nextafter(1000.0f, 0.0f), -1e30f, -inf, nan, -inf, nan};
+    const Zim32f src[] = {0.0f, 1000.0f, -8.0f, 5.0f, 2.0f, -infinity<float>, -infinity<float>};
+    Zim32f srcDst[] = {-1e-6f,    std::nextafter(1000.0f, 0.0f), -1e30f, -infinity<float>, nan<float>, -infinity<float>,
+                       nan<float>};
     EXPECT_EQ(zimsLogSub_32f(src, srcDst, 7), zimStsOk);
     EXPECT_NEAR(srcDst[0], std::log(1e-6f), 1e-4f);
     EXPECT_NEAR(srcDst[1], 1000 + std::log(0x1p-14f), 1e-3f);
@@ -428,9 +356,9 @@ void expectRefuses(Sub sub)
     for (int len : {1, 9, 40})
         for (int place = 0; place < len; place += 4)
             for (T excess : {T(0), T(1)}) {
-                const std::vector<T> a(static_cast<std::size_t>(len), T(5));
+                const std::vector<T> a(len, T(5));
                 std::vector<T> b(a.size(), T(3));
-                b[static_cast<std::size_t>(place)] = T(5) + excess;
+                b[place] = T(5) + excess;
                 const Guarded<T> src(a), srcDst(b);
                 EXPECT_EQ(sub(src.data(), srcDst.data(), len), zimStsOutOfRange);
                 EXPECT_TRUE(equalBits(srcDst.values(), b));
@@ -485,50 +413,11 @@ TEST(LogSub, ScaledIntegers)
     expectSubtractsScaled<Zim32s>(zimsLogSub_32s_Sfs);
 }
 
-TEST(LogDomain, ChecksSizeThenPointers)
+TEST(LogDomain, ChecksLengthThenPointersAndARefusedCallWritesNothing)
 {
-    Zim32f f[2] = {1, 2};
-    Zim64f d[2] = {1, 2};
-    Zim32s i[2] = {1, 2};
-    Zim16s s[2] = {1, 2};
-    expectStatuses({
-        {"add 32f size", zimsLogAdd_32f(nullptr, f, 0, 0), zimStsBadSize},
-        {"add 32f src", zimsLogAdd_32f(nullptr, f, 1, 7), zimStsNullPointer},
-        {"add 32f dst", zimsLogAdd_32f(f, nullptr, 1, 0), zimStsNullPointer},
-        {"add 64f size", zimsLogAdd_64f(d, nullptr, -1, 0), zimStsBadSize},
-        {"add 64f src", zimsLogAdd_64f(nullptr, d, 1, 0), zimStsNullPointer},
-        {"add 64f dst", zimsLogAdd_64f(d, nullptr, 1, 0), zimStsNullPointer},
-        {"add 32s size", zimsLogAdd_32s_Sfs(nullptr, i, 0, 0, 0), zimStsBadSize},
-        {"add 32s src", zimsLogAdd_32s_Sfs(nullptr, i, 1, 0, 0), zimStsNullPointer},
-        {"add 32s dst", zimsLogAdd_32s_Sfs(i, nullptr, 1, 0, 0), zimStsNullPointer},
-        {"add 16s size", zimsLogAdd_16s_Sfs(nullptr, s, 0, 0, 0), zimStsBadSize},
-        {"add 16s src", zimsLogAdd_16s_Sfs(nullptr, s, 1, 0, 0), zimStsNullPointer},
-        {"add 16s dst", zimsLogAdd_16s_Sfs(s, nullptr, 1, 0, 0), zimStsNullPointer},
-        {"sum 32f size", zimsLogSum_32f(nullptr, f, 0), zimStsBadSize},
-        {"sum 32f src", zimsLogSum_32f(nullptr, f, 1), zimStsNullPointer},
-        {"sum 32f dst", zimsLogSum_32f(f, nullptr, 1), zimStsNullPointer},
-        {"sum 64f size", zimsLogSum_64f(nullptr, d, 0), zimStsBadSize},
-        {"sum 64f src", zimsLogSum_64f(nullptr, d, 1), zimStsNullPointer},
-        {"sum 64f dst", zimsLogSum_64f(d, nullptr, 1), zimStsNullPointer},
-        {"sum 32s size", zimsLogSum_32s_Sfs(nullptr, i, 0, 0), zimStsBadSize},
-        {"sum 32s src", zimsLogSum_32s_Sfs(nullptr, i, 1, 0), zimStsNullPointer},
-        {"sum 32s dst", zimsLogSum_32s_Sfs(i, nullptr, 1, 0), zimStsNullPointer},
-        {"sum 16s size", zimsLogSum_16s_Sfs(nullptr, s, 0, 0), zimStsBadSize},
-        {"sum 16s src", zimsLogSum_16s_Sfs(nullptr, s, 1, 0), zimStsNullPointer},
-        {"sum 16s dst", zimsLogSum_16s_Sfs(s, nullptr, 1, 0), zimStsNullPointer},
-        {"sub 32f size", zimsLogSub_32f(nullptr, f, 0), zimStsBadSize},
-        {"sub 32f src", zimsLogSub_32f(nullptr, f, 1), zimStsNullPointer},
-        {"sub 32f dst", zimsLogSub_32f(f, nullptr, 1), zimStsNullPointer},
-        {"sub 64f size", zimsLogSub_64f(nullptr, d, 0), zimStsBadSize},
-        {"sub 64f src", zimsLogSub_64f(nullptr, d, 1), zimStsNullPointer},
-        {"sub 64f dst", zimsLogSub_64f(d, nullptr, 1), zimStsNullPointer},
-        {"sub 32s size", zimsLogSub_32s_Sfs(nullptr, i, 0, 0), zimStsBadSize},
-        {"sub 32s src", zimsLogSub_32s_Sfs(nullptr, i, 1, 0), zimStsNullPointer},
-        {"sub 32s dst", zimsLogSub_32s_Sfs(i, nullptr, 1, 0), zimStsNullPointer},
-        {"sub 16s size", zimsLogSub_16s_Sfs(nullptr, s, 0, 0), zimStsBadSize},
-        {"sub 16s src", zimsLogSub_16s_Sfs(nullptr, s, 1, 0), zimStsNullPointer},
-        {"sub 16s dst", zimsLogSub_16s_Sfs(s, nullptr, 1, 0), zimStsNullPointer},
-    });
+    expectLengthThenPointers(zimsLogAdd_32f, zimsLogAdd_64f, zimsLogAdd_32s_Sfs, zimsLogAdd_16s_Sfs, zimsLogSum_32f,
+                             zimsLogSum_64f, zimsLogSum_32s_Sfs, zimsLogSum_16s_Sfs, zimsLogSub_32f, zimsLogSub_64f,
+                             zimsLogSub_32s_Sfs, zimsLogSub_16s_Sfs);
 }
 
 }  // namespace
