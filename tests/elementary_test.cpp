@@ -84,49 +84,30 @@ std::vector<double> nearMultiplesOfHalfPi()
     return x;
 }
 
-std::vector<double> specials()
-{
-    std::vector<double> x;
-    for (double v : {0.0,
-                     smallest,
-                     smallestNormal,
-                     std::nextafter(smallestNormal, 0),
-                     1e-300,
-                     1e-20,
-                     0x1p-27,
-                     0.5,
-                     0.671875,
-                     0.70710678118654752,
-                     1.0,
-                     1.34375,
-                     1.41421356237309505,
-                     2.0,
-                     709.782712893384,
-                     709.7827128933841,
-                     745.1332191019411,
-                     745.1332191019412,
-                     746.0,
-                     1e4,
-                     0x1p20,
-                     0x1.fffffffffffffp19,
-                     1e22,
-                     1e300,
-                     largest,
-                     infinity})
-        for (double signedValue : {v, -v})
-            x.insert(x.end(), {signedValue, std::nextafter(signedValue, 0), std::nextafter(signedValue, 1e308)});
-    x.push_back(std::numeric_limits<double>::quiet_NaN());
-    while (x.size() % 8 != 0)
-        x.push_back(1);
-    return x;
-}
-
 std::vector<double> together(std::initializer_list<std::vector<double>> parts)
 {
     std::vector<double> all;
     for (const auto& part : parts)
         all.insert(all.end(), part.begin(), part.end());
     return all;
+}
+
+std::vector<double> specials()
+{
+    std::vector<double> x;
+    const double whole[] = {0, 0.5, 1, 2, 746, 1e4, 1e22, 1e300, 1e-20, 1e-300, 0x1p-27, 0x1p20, 0x1.fffffffffffffp19};
+    const double edges[] = {0.671875,         0.70710678118654752, 1.34375,           1.41421356237309505,
+                            709.782712893384, 709.7827128933841,   745.1332191019411, 745.1332191019412};
+    const double limits[] = {smallest, smallestNormal, std::nextafter(smallestNormal, 0), largest, infinity};
+    for (double v : together({{std::begin(whole), std::end(whole)},
+                              {std::begin(edges), std::end(edges)},
+                              {std::begin(limits), std::end(limits)}}))
+        for (double signedValue : {v, -v})
+            x.insert(x.end(), {signedValue, std::nextafter(signedValue, 0), std::nextafter(signedValue, 1e308)});
+    x.push_back(std::numeric_limits<double>::quiet_NaN());
+    while (x.size() % 8 != 0)
+        x.push_back(1);
+    return x;
 }
 
 const Function& functionOf(int number)
