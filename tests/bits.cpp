@@ -356,24 +356,6 @@ void blockScores()
                       zimsLogGaussSingle_BlockDVar_16s32f);
 }
 
-void signTables()
-{
-    report("zimsBuildSignTable_8u1u", [](Digest& digest) {
-        Numbers numbers(15);
-        for (int bits = 1; bits <= 600; bits += 13) {
-            const int rowBytes = (bits + 11 + 7) / 8;
-            const auto bytes = numbers.between<Zim8u>(5 * rowBytes, 0, 256);
-            const auto indices = numbers.between<Zim32s>(6, 0, 5);
-            const Zim8u* rows[5];
-            for (int r = 0; r < 5; ++r)
-                rows[r] = bytes.data() + r * rowBytes;
-            std::vector<Zim8u> table(static_cast<std::size_t>(3 * ((bits + 7) / 8)));
-            digest.add(zimsBuildSignTable_8u1u(indices.data(), 2, rows, 5, rowBytes, 11, table.data(), 3, bits));
-            digest.add(table);
-        }
-    });
-}
-
 void frontEnd()
 {
     report("zimsEvalFBank_32f", [](Digest& digest) {
@@ -403,17 +385,6 @@ void frontEnd()
                 zimsDCTLifterFree_32f(state);
                 zimsFree(state);
             }
-    });
-    report("zimsEvalFBank_32s_Sfs", [](Digest& digest) {
-        Numbers numbers(21);
-        std::vector<char> block(1 << 20);
-        auto* const bank = reinterpret_cast<ZimsFBankState_32s*>(block.data());
-        int order;
-        digest.add(zimsMelFBankInit_32s(bank, &order, 400, 16000, 64, 8000, 26, 36929880, 22937600, 2));
-        const auto x = numbers.between<Zim32s>(257, 0, 2e9);
-        std::vector<Zim32s> energies(26);
-        digest.add(zimsEvalFBank_32s_Sfs(x.data(), energies.data(), bank, 5));
-        digest.add(energies);
     });
     VECTORS(zimsMelToLinear_32f, "n", Range{0, 4000, {1127, 700}});
     VECTORS(zimsLinearToMel_32f, "n", Range{0, 4000, {1127, 700}});
@@ -491,7 +462,6 @@ int main()
     fixedScores();
     logDomain();
     blockScores();
-    signTables();
     frontEnd();
     conditioning();
     updates();
