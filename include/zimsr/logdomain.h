@@ -17,14 +17,14 @@
  *
  *  The floor is looked at only where the smaller operand is dropped: there a sum below it is raised to it. Two equal
  *  operands give a + ln 2, also below the floor. An operand NaN passes through the maximum and the minimum as the
- *  processor has them, and minus infinity on both sides gives NaN.
+ *  processor has them, and the same infinity on both sides gives NaN.
  *
  *  **Scaled integers.** An integer x stands for the logarithm x 2^-scaleFactor. Results are truncated toward zero, not
- *  rounded, and saturate. Every scaleFactor is legal; NaN, which only one beyond -127 can make, gives the least value
- *  of the type.
+ *  rounded, and saturate. Every scaleFactor is legal. From -97 down an operand may become infinite, and below -127 that
+ *  of 0 is NaN; a sum that is NaN gives the least value of the type.
  *
- *  All return #zimStsBadSize when len is below 1, then #zimStsNullPointer when a pointer is null, then what the function
- *  adds. `src` and `srcDst` may be the same vector; they may not overlap otherwise.
+ *  All return #zimStsBadSize when len is below 1, then #zimStsNullPointer when a pointer is null, then what the
+ * function adds. `src` and `srcDst` may be the same vector; they may not overlap otherwise.
  *  @{
  */
 #ifndef ZIMSR_LOGDOMAIN_H
@@ -60,10 +60,11 @@ ZIMSR_API ZimStatus zimsLogAdd_16s_Sfs(const Zim16s* src, Zim16s* srcDst, int le
 /** @name Sum over a vector
  *  *dst = ln(sum of exp(src[i])), one element. A single element is delivered as it is, also below the floor.
  *
- *  Elements are added in four running sums side by side (two for `_64f`), each taking every fourth (second) element,
- *  which are merged at the end; fewer than eight (four) elements are added one after the other. `_32f` uses the
- *  arithmetic of hint 1. The integer forms add up to six elements one after the other in the arithmetic of hint 0, with
- *  a running value in `Zim32f`, and more by the float form in blocks of 128.
+ *  Elements are added in four running sums side by side (two for `_64f`), each taking every fourth (second) element;
+ *  these are merged, and the elements left over behind the last group of four (two) are added one after the other, as
+ *  fewer than eight (four) elements are from the start. `_32f` uses the arithmetic of hint 1. The integer forms add up
+ *  to six elements one after the other in the arithmetic of hint 0, with a running value in `Zim32f`, and more by the
+ *  float form in blocks of 128.
  *  @{
  */
 ZIMSR_API ZimStatus zimsLogSum_32f(const Zim32f* src, Zim32f* dst, int len);
@@ -76,8 +77,8 @@ ZIMSR_API ZimStatus zimsLogSum_16s_Sfs(const Zim16s* src, Zim16s* dst, int len, 
  *  srcDst[i] = ln(exp(src[i]) - exp(srcDst[i])) = a + ln(1 - exp(d)) with a = src[i], d = srcDst[i] - a.
  *
  *  #zimStsOutOfRange when some difference d is not below zero; nothing is written then. A NaN is not an error. Where d
- *  lies below the threshold of the sum, the result is a, or probability zero for an a below the floor; where 1 - exp(d)
- *  vanishes, it is probability zero.
+ *  lies below the threshold of the sum or is NaN, the result is a, or probability zero for an a that is below the floor
+ *  or NaN; where 1 - exp(d) vanishes, it is probability zero.
  *
  *  The integer forms keep a in its scale and add ln(1 - exp(d 2^-scaleFactor)) to it unscaled. `_32s` forms d by a
  *  subtraction that wraps for the test, and as a difference of floats for the exponential.
