@@ -24,7 +24,7 @@
  *  of 0 is NaN; a sum that is NaN gives the least value of the type.
  *
  *  All return #zimStsBadSize when len is below 1, then #zimStsNullPointer when a pointer is null, then what the
- * function adds. `src` and `srcDst` may be the same vector; they may not overlap otherwise.
+ *  function adds. `src` and `srcDst` may be the same vector; they may not overlap otherwise.
  *  @{
  */
 #ifndef ZIMSR_LOGDOMAIN_H
