@@ -53,6 +53,38 @@ inline constexpr auto segmentCoefficients = [] {
 
 // ---- ln(exp(a) + exp(b))
 
+// Two operands, and what is known of their sum before the correction is.
+template <class Level, class V>
+struct LogOperands {
+    using Lane = typename V::Lane;
+
+    V greater, difference;
+    typename V::Mask negligible;
+    OneOfThree<V> segment;
+
+    ZIM_INLINE LogOperands(V a, V b)
+        : greater(max(a, b)),
+          difference(min(a, b) - greater),
+          negligible(difference < splat<V>(static_cast<Lane>(Level::negligible))),
+          segment(difference <= splat<V>(static_cast<Lane>(Level::origins[1])),
+                  difference <= splat<V>(static_cast<Lane>(Level::origins[2])))
+    {
+    }
+
+    // What the segment's polynomial is in.
+    ZIM_INLINE V t() const { return difference - segment(segmentOrigins<Level, Lane>.values); }
+
+    // The sum where the smaller operand does not change it.
+    ZIM_INLINE V alone() const
+    {
+        return select(greater < splat<V>(static_cast<Lane>(Level::small)), splat<V>(static_cast<Lane>(Level::zero)),
+                      greater);
+    }
+
+    // A lane far below is selected away: its polynomial may have overflowed.
+    ZIM_INLINE V sum(V correction) const { return select(negligible, alone(), greater + correction); }
+};
+
 // The segment's polynomial in t, by Horner's rule, whose roundings grow least here. The loop stays a loop: unrolled,
 // the compiler would evaluate one register after the other, and the processor would wait for each.
 template <class Level, class V>
@@ -69,26 +101,69 @@ ZIM_INLINE V segmentPolynomial(const OneOfThree<V>& segment, V t)
 template <class Level, class V>
 ZIM_INLINE V logAdd(V a, V b)
 {
-    using Lane = typename V::Lane;
-    constexpr auto zero = static_cast<Lane>(Level::zero), small = static_cast<Lane>(Level::small),
-                   threshold = static_cast<Lane>(Level::negligible), firstEnd = static_cast<Lane>(Level::origins[1]),
-                   secondEnd = static_cast<Lane>(Level::origins[2]);
-    const V greater = max(a, b);
-    const V difference = min(a, b) - greater;
-    const auto negligible = difference < splat<V>(threshold);
-    const V alone = select(greater < splat<V>(small), splat<V>(zero), greater);
-    if (allSet(negligible))
-        return alone;
-    const OneOfThree<V> segment(difference <= splat<V>(firstEnd), difference <= splat<V>(secondEnd));
-    const V t = difference - segment(segmentOrigins<Level, Lane>.values);
-    // A lane far below is selected away: its polynomial may have overflowed.
-    return select(negligible, alone, greater + segmentPolynomial<Level>(segment, t));
+    const LogOperands<Level, V> operands(a, b);
+    if (allSet(operands.negligible))
+        return operands.alone();
+    return operands.sum(segmentPolynomial<Level>(operands.segment, operands.t()));
+}
+
+// ---- The same in a chain, where each addition waits for the one before it
+
+// Polynomials from the highest power down: by Horner's rule, and by pairs of powers, which takes fewer steps
+// (Estrin 1960).
+template <std::size_t count, class V>
+ZIM_INLINE V hornersRule(const V (&coefficients)[count], V t)
+{
+    V value = coefficients[0];
+#pragma GCC unroll 32
+    for (std::size_t i = 1; i < count; ++i)
+        value = value * t + coefficients[i];
+    return value;
+}
+
+template <std::size_t count, class V>
+ZIM_INLINE V estrinsScheme(const V (&coefficients)[count], V t)
+{
+    if constexpr (count == 1) {
+        return coefficients[0];
+    } else {
+        constexpr std::size_t odd = count % 2;
+        V pairs[count / 2 + odd];
+        pairs[0] = coefficients[0];
+#pragma GCC unroll 32
+        for (std::size_t i = odd; i < count / 2 + odd; ++i)
+            pairs[i] = coefficients[2 * i - odd] * t + coefficients[2 * i - odd + 1];
+        return estrinsScheme(pairs, t * t);
+    }
+}
+
+// The quick sum nearly always has the bits of Horner's, which takes twice as long. By predicting the branch the
+// processor goes on from the quick one, and checks it aside. Where registers are narrow, the choice of coefficients
+// keeps it busy enough.
+template <class Level, class V>
+ZIM_INLINE V logAddToRunning(V a, V running)
+{
+    if constexpr (registerBytes < 32)
+        return logAdd<Level>(a, running);
+    constexpr auto& table = segmentCoefficients<Level, typename V::Lane>;
+    const LogOperands<Level, V> operands(a, running);
+    if (allSet(operands.negligible))
+        return operands.alone();
+    V coefficients[table.size()];
+#pragma GCC unroll 32
+    for (std::size_t i = 0; i < table.size(); ++i)
+        coefficients[i] = operands.segment(table[i].values);
+    const V t = operands.t();
+    const V quick = operands.sum(estrinsScheme(coefficients, t)), sum = operands.sum(hornersRule(coefficients, t));
+    if (anySet(quick != sum)) [[unlikely]]
+        return sum;
+    return quick;
 }
 
 // One more element of a running sum, at float level but in Zim64f.
 inline Zim32f logAddAccurate(Zim64f value, Zim32f sum)
 {
-    return static_cast<Zim32f>(logAdd<FloatLevel>(splat<D2>(value), splat<D2>(sum))[0]);
+    return static_cast<Zim32f>(logAddToRunning<FloatLevel>(splat<D2>(value), splat<D2>(sum))[0]);
 }
 
 // One pair in 80-bit extended precision, at float level.
@@ -187,16 +262,16 @@ inline typename V::Lane logSum(const typename V::Lane* src, std::size_t len)
     if (len >= 2 * lanes) {
         sum = load<V>(src);
         for (i = lanes; i + lanes <= len; i += lanes)
-            sum = logAdd<Level>(load<V>(src + i), sum);
+            sum = logAddToRunning<Level>(load<V>(src + i), sum);
         if constexpr (lanes == 4)
-            sum = logAdd<Level>(shuffle<2, 3, 2, 3>(sum), shuffle<0, 1, 0, 1>(sum));
+            sum = logAddToRunning<Level>(shuffle<2, 3, 2, 3>(sum), shuffle<0, 1, 0, 1>(sum));
         if constexpr (lanes == 4)
-            sum = logAdd<Level>(shuffle<1, 1, 1, 1>(sum), shuffle<0, 0, 0, 0>(sum));
+            sum = logAddToRunning<Level>(shuffle<1, 1, 1, 1>(sum), shuffle<0, 0, 0, 0>(sum));
         else
-            sum = logAdd<Level>(shuffle<1, 1>(sum), shuffle<0, 0>(sum));
+            sum = logAddToRunning<Level>(shuffle<1, 1>(sum), shuffle<0, 0>(sum));
     }
     for (; i < len; ++i)
-        sum = logAdd<Level>(splat<V>(src[i]), sum);
+        sum = logAddToRunning<Level>(splat<V>(src[i]), sum);
     return sum[0];
 }
 
