@@ -31,23 +31,17 @@ struct DoubleLevel {
     static constexpr std::array polynomials = {P1, P2, P3};
 };
 
-// The three segments' values of one coefficient side by side, in the precision of the lanes.
-template <class Lane>
-struct alignas(4 * sizeof(Lane)) BySegment {
-    Lane values[4];
-};
-
 template <class Level, class Lane>
-inline constexpr BySegment<Lane> segmentOrigins = {
-    {Lane(Level::origins[0]), Lane(Level::origins[1]), Lane(Level::origins[2])}};
+inline constexpr ThreeValues<Lane> segmentOrigins{Lane(Level::origins[0]), Lane(Level::origins[1]),
+                                                  Lane(Level::origins[2])};
 
+// The three segments' values of each coefficient side by side, in the precision of the lanes.
 template <class Level, class Lane>
 inline constexpr auto segmentCoefficients = [] {
-    constexpr std::size_t count = Level::polynomials[0].size();
-    std::array<BySegment<Lane>, count> table{};
-    for (std::size_t i = 0; i < count; ++i)
-        for (std::size_t segment = 0; segment < 3; ++segment)
-            table[i].values[segment] = static_cast<Lane>(Level::polynomials[segment][i]);
+    constexpr auto& polynomials = Level::polynomials;
+    std::array<ThreeValues<Lane>, polynomials[0].size()> table{};
+    for (std::size_t i = 0; i < table.size(); ++i)
+        table[i] = {Lane(polynomials[0][i]), Lane(polynomials[1][i]), Lane(polynomials[2][i])};
     return table;
 }();
 
@@ -72,13 +66,16 @@ struct LogOperands {
     }
 
     // What the segment's polynomial is in.
-    ZIM_INLINE V t() const { return difference - segment(segmentOrigins<Level, Lane>.values); }
+    ZIM_INLINE V t() const { return difference - segment(segmentOrigins<Level, Lane>); }
 
-    // The sum where the smaller operand does not change it.
+    // The sum where the smaller operand does not change it. The maximum is its second operand where that is NaN.
     ZIM_INLINE V alone() const
     {
-        return select(greater < splat<V>(static_cast<Lane>(Level::small)), splat<V>(static_cast<Lane>(Level::zero)),
-                      greater);
+        const V zero = splat<V>(static_cast<Lane>(Level::zero));
+        if constexpr (Level::zero == Level::small)
+            return max(zero, greater);
+        else
+            return select(greater < splat<V>(static_cast<Lane>(Level::small)), zero, greater);
     }
 
     // A lane far below is selected away: its polynomial may have overflowed.
@@ -91,10 +88,10 @@ template <class Level, class V>
 ZIM_INLINE V segmentPolynomial(const OneOfThree<V>& segment, V t)
 {
     constexpr auto& coefficients = segmentCoefficients<Level, typename V::Lane>;
-    V value = segment(coefficients[0].values);
+    V value = segment(coefficients[0]);
 #pragma GCC unroll 1
     for (std::size_t i = 1; i < coefficients.size(); ++i)
-        value = value * t + segment(coefficients[i].values);
+        value = value * t + segment(coefficients[i]);
     return value;
 }
 
@@ -152,7 +149,7 @@ ZIM_INLINE V logAddToRunning(V a, V running)
     V coefficients[table.size()];
 #pragma GCC unroll 32
     for (std::size_t i = 0; i < table.size(); ++i)
-        coefficients[i] = operands.segment(table[i].values);
+        coefficients[i] = operands.segment(table[i]);
     const V t = operands.t();
     const V quick = operands.sum(estrinsScheme(coefficients, t)), sum = operands.sum(hornersRule(coefficients, t));
     if (anySet(quick != sum)) [[unlikely]]
