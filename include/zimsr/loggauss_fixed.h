@@ -48,7 +48,7 @@
  *  `IdVarLow` forms with a `Zim32f` score sum those as floats.
  *
  *  Where a form shifts integers, a shift by 32 or more gives 0, or to the right the sign. Other scales are exact
- *  powers of two.
+ *  powers of two; that of a sum of floats is infinite above 2^127, where a sum of 0 stays 0, and 0 below 2^-149.
  *
  *  **Statuses.** On a block, #zimStsBadStride (form `D2`) when width exceeds step comes first. Then
  *  #zimStsNullPointer when a pointer is null, then #zimStsBadSize when len, width or height is below 1. A refused

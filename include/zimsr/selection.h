@@ -96,7 +96,8 @@ ZIMSR_API ZimStatus zimsBuildSignTable_Var_8u1u(const Zim32s* indices, const Zim
  *  first score of a frame is taken as it is, so that one selected Gaussian gives its score; the others are added in the
  *  order of the Gaussians, as `zimsLogAdd_32f` adds them with the hint 0. `zimsLogGaussMixture_Select_32f_D2` and
  *  `zimsLogGaussMixture_SelectScaled_16s32f_D2` add as with the hint 1 when gaussCount is 9 or more and height 2 or
- * more.
+ *  more. The score of the latter is then that of `zimsLogGauss_Scaled_16s32f_D2`: another one at the scale factors -128
+ *  and 149 alone, where one of 2^-scaleFactor and its half is infinite or 0 and the other is not.
  *
  *  dst may not overlap the operands.
  *
