@@ -199,8 +199,9 @@ ZIMSR_API ZimStatus zimsEvalFBank_16s32s_Sfs(const Zim16s* src, Zim32s* dst, Zim
  *  The nFilter + 2 edge bins of a bank. A table is valid when 0 <= c[0] <= c[1] <= ... <= c[nFilter + 1] <= fftLen / 2.
  *  Setting the centres leaves the weights as they are.
  *
- *  @return #zimStsNullPointer when state or centers is null or the bank has been freed; #zimStsFBankNoCoeffs when
- *  there are no centres to get, or when the table to set is not valid. A refused table changes nothing.
+ *  @return #zimStsNullPointer when state or centers is null, or when centres are set in a freed bank;
+ *  #zimStsFBankNoCoeffs when there are no centres to get, as in a freed bank, or when the table to set is not valid. A
+ *  refused table changes nothing.
  *  @{
  */
 ZIMSR_API ZimStatus zimsFBankGetCenters_32f(const ZimsFBankState_32f* state, Zim32s* centers);

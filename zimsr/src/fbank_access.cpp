@@ -22,8 +22,8 @@ ZimStatus edgesFault(const Zim32s* c, int nFilter, int fftLen)
 template <class State>
 ZimStatus getCenters(const State& bank, Zim32s* centers)
 {
-    if (ZimStatus fault = firstFault(anyNull(bank.centers), faultIf(!bank.hasCoeffs, zimStsFBankNoCoeffs)))
-        return fault;
+    if (!bank.hasCoeffs)
+        return zimStsFBankNoCoeffs;
     std::memcpy(centers, bank.centers, (static_cast<std::size_t>(bank.nFilter) + 2) * sizeof(Zim32s));
     return zimStsOk;
 }
