@@ -50,8 +50,8 @@ ZIMSR_API ZimStatus zimsLn_32s_ISfs(Zim32s* srcDst, int len, int scaleFactor);
  *  *dst = sum of ln(src[i]), as the logarithm of a product, in blocks of 512 elements: in each, lane j = 0 .. 7 multiplies
  *  the significands, in [1, 2), of the elements j, j + 8, j + 16, ... in `Zim64f`; the lanes are multiplied across, upper
  *  half by lower half, then neighbours; the exponents are summed as integers. Blocks add up in `Zim64f`, and the sum is
- *  rounded once to the type of dst. Its error is below (len / 8 + 10) 2^-53, besides one unit in its last place for each
- *  block.
+ *  rounded once to the type of dst. The products bring an error below len 2^-53; to it come, for each block, at most two
+ *  units in the last place of its logarithm and half a unit of the sum so far.
  *
  *  An infinite element makes the sum infinite. The first element that is zero, negative or NaN ends the call: zero with
  *  plus infinity in *dst (not minus infinity) and #zimStsLogOfZero, a negative one with NaN and #zimStsLogOfNegative, a NaN
