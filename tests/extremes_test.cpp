@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -85,6 +87,24 @@ TEST(Extremes, EveryShape)
 {
     expectExtremesAtEveryShape(doors32);
     expectExtremesAtEveryShape(doors64);
+}
+
+template <class Float, class Bits>
+void expectBitsOfTheFirstNaN(Doors<Float> doors, Bits signalling)
+{
+    const std::vector<Bits> row(40, signalling);
+    const auto* src = reinterpret_cast<const Float*>(row.data());
+    Float max, min;
+    EXPECT_EQ(doors.max(src, 40, &max), zimStsOk);
+    EXPECT_EQ(doors.min(src, 40, &min), zimStsOk);
+    EXPECT_EQ(std::memcmp(&max, &signalling, sizeof(max)), 0);
+    EXPECT_EQ(std::memcmp(&min, &signalling, sizeof(min)), 0);
+}
+
+TEST(Extremes, SignallingNaNsStayAsTheyAre)
+{
+    expectBitsOfTheFirstNaN(doors32, UINT32_C(0x7FA00001));
+    expectBitsOfTheFirstNaN(doors64, UINT64_C(0xFFF4000000000001));
 }
 
 // The greatest element at every place of a row that is taken in stretches, with an equal one behind it.

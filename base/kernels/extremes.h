@@ -86,9 +86,10 @@ ZIM_INLINE std::size_t firstPlace(const Float* src, std::size_t len, Float value
     return anySet(equal) ? len - N + static_cast<std::size_t>(firstSet(equal)) : 0;
 }
 
-// The first of the extreme elements, or the first element when all are NaN.
+// The first of the extreme elements, or the first element when all are NaN. Inlined, since on 32-bit x86 a float is
+// returned through the stack unit, which makes a signalling NaN quiet.
 template <class Order, class Float>
-inline Float extreme(const Float* src, std::size_t len)
+ZIM_INLINE Float extreme(const Float* src, std::size_t len)
 {
     const Float best = extremeValue<Order>(src, len);
     return best == 0 || best == Order::start ? src[firstPlace(src, len, best)] : best;
