@@ -27,9 +27,10 @@ template <class T>
 T** allocateRows(int height, int width)
 {
     const std::size_t rowCount = static_cast<std::size_t>(height);
-    const std::size_t rowBytes = roundUp(static_cast<std::size_t>(width), 8) * sizeof(T);
-    std::size_t dataBytes, bytes;
-    if (__builtin_mul_overflow(rowBytes, rowCount, &dataBytes) ||
+    const std::size_t rowLength = roundUp(static_cast<std::size_t>(width), 8);
+    std::size_t rowBytes, dataBytes, bytes;
+    if (__builtin_mul_overflow(rowLength, sizeof(T), &rowBytes) ||
+        __builtin_mul_overflow(rowBytes, rowCount, &dataBytes) ||
         __builtin_add_overflow(dataBytes, rowCount * sizeof(T*) + boundary - sizeof(T), &bytes))
         return nullptr;
     char* block = static_cast<char*>(allocate(bytes, 1));
