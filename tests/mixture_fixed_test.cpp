@@ -285,6 +285,16 @@ TEST(FixedMixture, IntegerArithmeticOfAnySize)
     }
 }
 
+// Which shows in a pair that saturates, in the last Gaussian of an odd number.
+TEST(FixedMixture, AWholeMixtureWithoutVariancesIsOfSingleScores)
+{
+    Random random(5);
+    for (const auto& form : floatForms)
+        if (form.fold == Fold::sum && form.arithmetic == idVarLow)
+            for (int i = 0; i < 20; ++i)
+                expectForms<Zim32f>({form}, Data(random, 5, 2, 32767), 2, {}, {0, 20}, random);
+}
+
 // The sum of two terms that takes a rounding, in one lane of the sums.
 TEST(FixedMixture, TheIntegerMaximumRoundsTowardZeroInEveryMode)
 {

@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <vector>
 
 #include "support/compare.h"
 #include "support/guarded.h"
@@ -278,6 +281,43 @@ TYPED_TEST(ShortVectors, SaturatingSumsAndExactProducts)
             EXPECT_EQ(product[lane], limited(a[lane] * b[lane] >> 14));
             EXPECT_EQ(pairs[lane], limited((a[lane] * c[lane] + b[lane] * d[lane]) >> 14));
             EXPECT_EQ(joined[lane], b[lane]);
+        }
+    }
+}
+
+TYPED_TEST(ShortVectors, LanesOfEachEightComeToTheFront)
+{
+    using V = TypeParam;
+    Random random(7);
+    const auto values = random.any<int16_t>(V::lanes);
+    const V v = load<V>(values.data());
+    for (int first = 0; first <= 8; ++first)
+        for (int count = 0; first + count <= 8; ++count) {
+            const V moved = lanesInFront(v, first, count);
+            for (int lane = 0; lane < V::lanes; ++lane)
+                EXPECT_EQ(moved[lane], lane % 8 < count ? v[lane + first] : 0);
+        }
+}
+
+TEST(Eights, FromOnePlaceAndFromTwo)
+{
+    Random random(8);
+    const Guarded<int16_t> low(random.any<int16_t>(8)), high(random.any<int16_t>(8));
+    const S16 both = loadEights(low.data(), high.data()), twice = loadInEachEight<16>(low.data());
+    for (int lane = 0; lane < 16; ++lane) {
+        EXPECT_EQ(both[lane], lane < 8 ? low[lane] : high[lane - 8]);
+        EXPECT_EQ(twice[lane], low[lane % 8]);
+    }
+}
+
+TEST(Shifts, ByAnyAmount)
+{
+    const I8 v = load<I8>(std::vector<int32_t>{0, 1, -1, 5, -5, 1 << 30, INT_MAX, INT_MIN}.data());
+    for (int amount : {-INT_MAX, -64, -32, -31, -3, 0, 3, 31, 32, 64, INT_MAX}) {
+        const I8 shifted = Shift(amount)(v);
+        for (int lane = 0; lane < 8; ++lane) {
+            const int64_t right = v[lane] >> std::clamp(-amount, 0, 31);
+            EXPECT_EQ(shifted[lane], static_cast<int32_t>(right * (int64_t{1} << std::clamp(amount, 0, 32))));
         }
     }
 }
