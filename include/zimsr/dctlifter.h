@@ -105,7 +105,7 @@ ZIMSR_API ZimStatus zimsDCTLifterInit_MulC0_16s(ZimsDCTLifterState_16s* state, i
 
 /** @name Transform
  *  Reads lenDCT elements of src and writes lenCepstrum values to dst, and C0 behind them in a state with C0. Sums are in
- *  `Zim32f`, in an order that depends on lenDCT alone.
+ *  `Zim32f`, in an order that depends on lenDCT alone; that of C0 runs from left to right.
  *
  *  The `Sfs` forms convert each element of src to `Zim32f`, and each result to `Zim16s` as zimsConvert_32f16s_Sfs() does
  *  with rounding to nearest.

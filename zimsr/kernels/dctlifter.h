@@ -1,6 +1,7 @@
 // Cosine matrix, lifter and the matrix-vector product.
 //
-// Each row is summed in one vector of eight lanes, in the order of its elements, whatever its place in the matrix.
+// A row is summed in one vector of eight lanes, in the order of its elements, whatever its place in the matrix; but that
+// of C0 from left to right.
 #pragma once
 
 #include <numbers>
@@ -104,21 +105,23 @@ void transformAndLift(const Source* src, Zim32f* dst, const Zim32f* const* rows,
                       int lenCepstrum, bool hasC0)
 {
     const TransformInput<Source> input(src, lenDCT);
-    const auto single = [&](int i) {
-        F8 sum = splat<F8>(0);
-        input.multiply(RowSum{rows[i], &sum});
-        return sumLanes(sum) * lifter[i];
-    };
     int i = 1;
     for (; i + 3 <= lenCepstrum; i += 4) {
         F8 a = splat<F8>(0), b = a, c = a, d = a;
         input.multiply(RowSum{rows[i], &a}, RowSum{rows[i + 1], &b}, RowSum{rows[i + 2], &c}, RowSum{rows[i + 3], &d});
         store(dst + i - 1, sumLanesOfFour(a, b, c, d) * load<F4>(lifter + i));
     }
-    for (; i <= lenCepstrum; ++i)
-        dst[i - 1] = single(i);
-    if (hasC0)
-        dst[lenCepstrum] = single(0);
+    for (; i <= lenCepstrum; ++i) {
+        F8 sum = splat<F8>(0);
+        input.multiply(RowSum{rows[i], &sum});
+        dst[i - 1] = sumLanes(sum) * lifter[i];
+    }
+    if (hasC0) {
+        Zim32f sum = 0;
+        for (int j = 0; j < lenDCT; ++j)
+            sum += static_cast<Zim32f>(src[j]) * rows[0][j];
+        dst[lenCepstrum] = sum * lifter[0];
+    }
 }
 
 }  // namespace zimsr
