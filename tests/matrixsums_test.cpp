@@ -7,6 +7,7 @@
 #include <climits>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <type_traits>
 #include <vector>
 
@@ -47,22 +48,31 @@ std::vector<FloatOf<T>> columnSums(const Problem<T>& p)
     return sums;
 }
 
-// Partial sums, one to each place in a vector. What is left behind the last whole vector goes to the last places, a row
-// shorter than a vector to the first ones. Then halves and neighbours are added.
-template <class T>
-std::vector<FloatOf<T>> rowSums(const Problem<T>& p)
+// Of floats, partial sums, one to each place in a vector. What is left behind the last whole vector goes to the last
+// places, a row shorter than a vector to the first ones. Then halves and neighbours are added.
+template <class Float>
+std::vector<Float> rowSums(const Problem<Float>& p)
 {
-    constexpr int lanes = 32 / sizeof(FloatOf<T>);
+    constexpr int lanes = 32 / sizeof(Float);
     const int whole = p.width / lanes * lanes, shift = whole == 0 ? 0 : lanes - p.width % lanes;
-    std::vector<FloatOf<T>> sums;
+    std::vector<Float> sums;
     for (int r = 0; r < p.height; ++r) {
-        FloatOf<T> sum[lanes] = {};
+        Float sum[lanes] = {};
         for (int c = 0; c < p.width; ++c)
-            sum[c < whole ? c % lanes : c - whole + shift] += FloatOf<T>(p.at(r, c));
+            sum[c < whole ? c % lanes : c - whole + shift] += p.at(r, c);
         for (int l = 0; l < lanes / 2; ++l)
             sum[l] += sum[l + lanes / 2];
         sums.push_back(lanes == 8 ? (sum[0] + sum[1]) + (sum[2] + sum[3]) : sum[0] + sum[1]);
     }
+    return sums;
+}
+
+// Of samples, the exact sums, rounded once.
+std::vector<Zim32f> rowSums(const Problem<Zim16s>& p)
+{
+    std::vector<Zim32f> sums;
+    for (auto row = p.values.begin(); row != p.values.end(); row += p.width)
+        sums.push_back(static_cast<Zim32f>(std::accumulate(row, row + p.width, Zim64s{0})));
     return sums;
 }
 
@@ -195,6 +205,16 @@ TEST(MatrixSums, SumsOfSamplesAreExactUpTo24Bits)
             i += 72;
         }
     expectForms(forms_16s32f, p);
+
+    // Loud tones, whose every eighth sample has the same sign, in long rows of a small sum.
+    for (int width : {5000, 65536, 65537, 140001}) {
+        Problem<Zim16s> tones(random, 5, width, 0, 1);
+        for (std::size_t i = 0; i < tones.values.size(); ++i)
+            tones.values[i] = static_cast<Zim16s>(i % 8 < 4 ? 32767 - tones.values[i] : -32767);
+        expectForms(forms_16s32f, tones);
+    }
+    for (Zim16s value : {-32768, 32767})
+        expectForms(forms_16s32f, Problem<Zim16s>(random, 5, 65536, value, value));
 }
 
 TEST(MatrixSums, EveryScaleFactorInEveryRoundingMode)

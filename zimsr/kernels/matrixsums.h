@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <type_traits>
 
 #include <zimsr/types.h>
 
@@ -16,7 +17,7 @@ namespace zimsr {
 
 // ---- Sums of rows
 
-// The elements themselves; samples reach their Zim32f lane exactly.
+// The elements themselves; samples as integers.
 template <class T>
 struct Itself {
     using Sum = FloatVector<T>;
@@ -26,17 +27,36 @@ struct Itself {
 
 template <>
 struct Itself<Zim16s> {
-    using Sum = F8;
+    using Sum = I8;
 
-    ZIM_INLINE F8 operator()(S8 x) const { return toFloat(widen(x)); }
+    ZIM_INLINE I8 operator()(S8 x) const { return widen(x); }
 };
 
 // dst[r] = sum over c of x[r][c].
-template <class T, class Float>
-[[gnu::noinline]] void sumsOfRows(Rows<const T> rows, int width, Float* dst, int height)
+template <class Float>
+[[gnu::noinline]] void sumsOfRows(Rows<const Float> rows, int width, Float* dst, int height)
 {
     const auto deliver = [=](std::ptrdiff_t r, auto sums) { store(dst + r, sums); };
-    sumRows(Itself<T>{}, Groups<4, 1>{}, height, width, deliver, rows);
+    sumRows(Itself<Float>{}, Groups<4, 1>{}, height, width, deliver, rows);
+}
+
+// The sums of samples are exact until they are rounded to Zim32f: its own partial sums could leave the range that is
+// exact in it where the whole sum is small.
+[[gnu::noinline]] inline void sumsOfRows(Rows<const Zim16s> rows, int width, Zim32f* dst, int height)
+{
+    constexpr int widest = 65536;  // elements whose sum fits 32 bits
+    if (width > widest) {
+        for (std::ptrdiff_t r = 0; r < height; ++r)
+            dst[r] = static_cast<Zim32f>(exactSum(rows[r], static_cast<std::size_t>(width)));
+        return;
+    }
+    const auto deliver = [=](std::ptrdiff_t r, auto sums) {
+        if constexpr (std::is_same_v<decltype(sums), Zim32s>)
+            dst[r] = static_cast<Zim32f>(sums);
+        else
+            store(dst + r, toFloat(sums));
+    };
+    sumRows(Itself<Zim16s>{}, Groups<4, 1>{}, height, width, deliver, rows);
 }
 
 // ---- One vector, which may be a column

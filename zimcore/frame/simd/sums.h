@@ -120,7 +120,8 @@ ZIM_INLINE Folded<Vec<T, 8>, 4> foldPairs(Vec<T, 8> even, Vec<T, 8> odd)
     return {{simd_detail::addNeighbours(even, odd)}};
 }
 
-ZIM_INLINE Folded<F8, 4> foldLanes(const F8 (&v)[4])
+template <class T>
+ZIM_INLINE Folded<Vec<T, 8>, 4> foldLanes(const Vec<T, 8> (&v)[4])
 {
     return foldPairs(addHalves(v[0], v[2]), addHalves(v[1], v[3]));
 }
