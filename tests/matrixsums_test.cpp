@@ -217,6 +217,20 @@ TEST(MatrixSums, SumsOfSamplesAreExactUpTo24Bits)
         expectForms(forms_16s32f, Problem<Zim16s>(random, 5, 65536, value, value));
 }
 
+TEST(MatrixSums, StartFromZero)
+{
+    Random random(6);
+    for (int width : {1, 7, 8, 9, 16})
+        for (int height : {1, 4}) {
+            Problem<Zim32f> floats(random, height, width);
+            Problem<Zim64f> doubles(random, height, width);
+            std::fill(floats.values.begin(), floats.values.end(), -0.0f);
+            std::fill(doubles.values.begin(), doubles.values.end(), -0.0);
+            expectForms(forms_32f, floats);
+            expectForms(forms_64f, doubles);
+        }
+}
+
 TEST(MatrixSums, EveryScaleFactorInEveryRoundingMode)
 {
     Random random(3);

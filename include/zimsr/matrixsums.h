@@ -13,7 +13,8 @@
  *  The order of a sum's additions depends on its length alone: not on alignment, the matrix form or its place in the
  *  matrix. Columns: rows in fours, added up as (a + b) + (c + d) and then added to the sum, then a pair, then a single
  *  one. Rows: partial sums of every eighth element (`Zim64f`: fourth), then a tree over these; of samples, the exact
- *  sum, rounded once. `AddAllRowSum` adds row after row.
+ *  sum, rounded once. These sums start from 0: one of negative zeros is a positive zero. `AddAllRowSum` adds row after
+ *  row.
  *
  *  Elements between the rows of a matrix are not looked at. dst and val may not overlap the matrix.
  *

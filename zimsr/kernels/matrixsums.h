@@ -32,11 +32,11 @@ struct Itself<Zim16s> {
     ZIM_INLINE I8 operator()(S8 x) const { return widen(x); }
 };
 
-// dst[r] = sum over c of x[r][c].
+// dst[r] = sum over c of x[r][c]. A sum starts from 0, so that one of negative zeros is a positive zero.
 template <class Float>
 [[gnu::noinline]] void sumsOfRows(Rows<const Float> rows, int width, Float* dst, int height)
 {
-    const auto deliver = [=](std::ptrdiff_t r, auto sums) { store(dst + r, sums); };
+    const auto deliver = [=](std::ptrdiff_t r, auto sums) { store(dst + r, sums + decltype(sums){}); };
     sumRows(Itself<Float>{}, Groups<4, 1>{}, height, width, deliver, rows);
 }
 
