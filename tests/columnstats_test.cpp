@@ -343,6 +343,14 @@ TEST(ColumnStats, KnownCases)
         EXPECT_EQ(wideVar, 0);
     });
 
+    // A single row is its own mean.
+    const std::vector<float> row(9, -0.0f);
+    const float* const rows[] = {row.data()};
+    std::vector<float> copy(9, 1), copyOfRows(9, 1);
+    EXPECT_EQ(zimsMeanColumn_32f_D2(row.data(), 1, 9, copy.data(), 9), zimStsOk);
+    EXPECT_EQ(zimsMeanColumn_32f_D2L(rows, 1, copyOfRows.data(), 9), zimStsOk);
+    EXPECT_TRUE(equalBits(copy, row) && equalBits(copyOfRows, row));
+
     // About a mean that is not the columns' own, the formula stands as it is.
     const float x[] = {1, 3}, mean[] = {5};
     float var;

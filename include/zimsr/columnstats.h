@@ -46,6 +46,7 @@ ZIMSR_BEGIN_DECLS
 /** @name Floats
  *  Sums, products and factors in `Zim32f`; invH and invH1 are divided in `Zim64f` and narrowed.
  *
+ *  - `MeanColumn` of a single row copies it.
  *  - `VarColumn` adds the squares onto -height * mean * mean and multiplies by invH1.
  *  - `MeanVarColumn`: var = (sum of squares - height * m * m) * invH1, with m the mean that is written.
  *  @{

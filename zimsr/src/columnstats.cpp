@@ -1,5 +1,6 @@
 // Means and variances of columns.
 #include <cstddef>
+#include <cstring>
 
 #include <zimsr/columnstats.h>
 
@@ -21,6 +22,15 @@ constexpr int toNearest = 1;
 constexpr ZimStatus badVarianceSize(int height, int width)
 {
     return faultIf(height < 2 || width < 1, zimStsBadSize);
+}
+
+// The mean of a single row is the row itself, with its negative zeros.
+void meanOfColumns(Rows<const Zim32f> rows, int height, Zim32f* mean, int width)
+{
+    if (height == 1)
+        std::memcpy(mean, rows[0], static_cast<std::size_t>(width) * sizeof(Zim32f));
+    else
+        sumColumns(rows, height, mean, width, HeightFactors<Zim32f, Zim64f>(height).invH);
 }
 
 // The statistics of samples are formed in floats, and rounded when all are known.
@@ -69,7 +79,7 @@ ZimStatus zimsMeanColumn_32f_D2(const Zim32f* src, int height, int step, Zim32f*
 {
     if (ZimStatus fault = firstFault(strideBelow(step, width), anyNull(src, mean), anyBelowOne(height, width)))
         return fault;
-    sumColumns(Rows(src, step), height, mean, width, HeightFactors<Zim32f, Zim64f>(height).invH);
+    meanOfColumns(Rows(src, step), height, mean, width);
     return zimStsOk;
 }
 
@@ -77,7 +87,7 @@ ZimStatus zimsMeanColumn_32f_D2L(const Zim32f* const* rows, int height, Zim32f* 
 {
     if (ZimStatus fault = firstFault(anyNull(rows, mean), anyBelowOne(height, width)))
         return fault;
-    sumColumns(Rows(rows), height, mean, width, HeightFactors<Zim32f, Zim64f>(height).invH);
+    meanOfColumns(Rows(rows), height, mean, width);
     return zimStsOk;
 }
 
