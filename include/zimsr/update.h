@@ -19,7 +19,8 @@
  *  for multivariate observations of Markov sources", IEEE Transactions on Information Theory 28 (1982).
  *
  *  Every operation is one of the element's type, rounded by itself, unless the function tells otherwise. Vectors have
- *  len elements, i = 0 .. len - 1. An output vector may be one of the inputs; it may not overlap them otherwise.
+ *  len elements, i = 0 .. len - 1. An output vector may be one of the inputs; it may overlap them otherwise only in
+ *  #zimsUpdateMean_64f and #zimsNewVar_32f, which then go element after element and read what has been written.
  *
  *  All return #zimStsNullPointer when a pointer is null, then #zimStsBadSize when len is below 1, then what they name.
  * A refused call has written nothing.
